@@ -1,0 +1,156 @@
+// The trace file: one synced line a message, a file a thread name, one backup a file.
+#include <errno.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/prctl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include "common/guard.hh"
+#include "common/log.hh"
+
+namespace {
+
+constexpr char trace_directory[] = "/var/cache/opkg/debug";
+constexpr char daemon_name[] = "cmpnt_upgrade";
+constexpr off_t rotation_size = 0x40000;
+constexpr size_t line_size = CMPNT_LINE_SIZE;
+
+// Error-checking, so that a thread that comes back while it writes a line is told so instead of
+// waiting for itself: creating the trace directory logs its own failure.
+pthread_mutex_t debug_mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
+
+struct TraceLine {
+    char text[line_size];
+    size_t length;
+};
+
+void append_text(TraceLine &line, const char *text) {
+    const size_t length = strnlen(text, line_size - 1 - line.length);
+    memcpy(line.text + line.length, text, length);
+    line.length += length;
+}
+
+void append_number(TraceLine &line, int32_t number) {
+    char digits[12];
+    char *start = digits + sizeof(digits) - 1;
+    *start = '\0';
+    const bool negative = number < 0;
+    uint32_t rest = negative ? 0u - static_cast<uint32_t>(number) : static_cast<uint32_t>(number);
+    do {
+        *--start = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    if (negative) {
+        *--start = '-';
+    }
+    append_text(line, start);
+}
+
+// "[time, kind, function-line]" and the message, cut to the line.
+void format_line(TraceLine &line, const char *kind, const char *function, int32_t number,
+                 const char *format, va_list arguments) {
+    char time[128] = {};
+    cmppnt_get_time(time, sizeof(time), 1);
+    line.length = 0;
+    append_text(line, "[");
+    append_text(line, time);
+    append_text(line, ", ");
+    append_text(line, kind == nullptr ? "(null)" : kind);
+    append_text(line, ", ");
+    append_text(line, function == nullptr ? "(null)" : function);
+    append_text(line, "-");
+    append_number(line, number);
+    append_text(line, "]");
+    const size_t room = line_size - line.length;
+    const int written = vsnprintf(line.text + line.length, room, format, arguments);
+    if (written > 0) {
+        const size_t message = static_cast<size_t>(written);
+        line.length += message < room ? message : room - 1;
+    }
+}
+
+int create_trace_file(const char *path) {
+    cmpnt_mkdir(trace_directory);
+    return open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0755);
+}
+
+// Opens before it looks: an existing, short file is the common case and needs no other call by name.
+int open_trace_file(const char *path) {
+    Descriptor file(open(path, O_WRONLY | O_APPEND | O_CLOEXEC));
+    struct stat status;
+    const bool known = file ? fstat(file.get(), &status) == 0 : stat(path, &status) == 0;
+    if (known && status.st_size >= rotation_size) {
+        return cmpnt_log_file_backup(path) == 0 ? create_trace_file(path) : -1;
+    }
+    if (file) {
+        return file.release();
+    }
+    if (lstat(path, &status) == 0) {
+        return -1;  // there, but not to be opened
+    }
+    return create_trace_file(path);
+}
+
+void append_to_trace_file(const TraceLine &line) {
+    char name[128] = {};
+    prctl(PR_GET_NAME, name);
+    char path[128];
+    snprintf(path, sizeof(path), "%s/.%s.log", trace_directory, name);
+    const int trace_fd = open_trace_file(path);
+    if (trace_fd < 0) {
+        return;
+    }
+    if (write(trace_fd, line.text, line.length) < 0) {
+        // A line that cannot be written is lost; there is nowhere to say so.
+    }
+    fsync(trace_fd);
+    close(trace_fd);
+}
+
+}  // namespace
+
+int32_t cmpnt_write_debug_log(const char *kind, const char *function, int32_t line,
+                              const char *format, ...) {
+    const int saved_errno = errno;
+    int cancel_state = 0;
+    pthread_setcancelstate(PTHREAD_CANCEL_DISABLE, &cancel_state);
+    int32_t result = 0;
+    if (format != nullptr && pthread_mutex_lock(&debug_mutex) == 0) {
+        TraceLine trace_line;
+        va_list arguments;
+        va_start(arguments, format);
+        errno = saved_errno;  // for %m
+        format_line(trace_line, kind, function, line, format, arguments);
+        va_end(arguments);
+        append_to_trace_file(trace_line);
+        result = pthread_mutex_unlock(&debug_mutex);
+    }
+    pthread_setcancelstate(cancel_state, nullptr);
+    errno = saved_errno;
+    return result;
+}
+
+// Part of the writer, so it logs nothing.
+int32_t cmpnt_log_file_backup(const char *path) {
+    char backup[256];
+    if (path == nullptr) {
+        return -1;
+    }
+    const int length = snprintf(backup, sizeof(backup), "%s%s", path, "_bak");
+    if (length < 0 || static_cast<size_t>(length) >= sizeof(backup)) {
+        return -1;
+    }
+    return rename(path, backup) == 0 ? 0 : -1;
+}
+
+int32_t cmpnt_debug_delete_log_file(void) {
+    char pattern[128];
+    snprintf(pattern, sizeof(pattern), "%s/.%s*", trace_directory, daemon_name);
+    cmpnt_system_cmd_run("rm -rf", pattern);
+    CMPNT_LOG(log_server_trace, "delete all log file %s.\n", pattern);
+    return 0;
+}

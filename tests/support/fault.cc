@@ -1,0 +1,202 @@
+#include "tests/support/fault.hh"
+
+#include <dirent.h>
+#include <errno.h>
+#include <fcntl.h>
+#include <stdarg.h>
+#include <stdio.h>
+#include <string.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+
+struct sqlite3;
+
+namespace {
+
+struct WrappedFunction {
+    const char *name;
+    int calls;
+    int fail_from;  // the call number, 0: never
+    int fail_to;
+    int error;
+};
+
+#define WRAPPED(name) {#name, 0, 0, 0, 0}
+WrappedFunction functions[] = {
+    WRAPPED(calloc),      WRAPPED(realloc),      WRAPPED(strndup),      WRAPPED(open64),
+    WRAPPED(close),       WRAPPED(dup),          WRAPPED(dup2),         WRAPPED(fcntl64),
+    WRAPPED(fsync),       WRAPPED(sync),         WRAPPED(write),        WRAPPED(fopen64),
+    WRAPPED(fclose),      WRAPPED(fwrite),       WRAPPED(fileno),       WRAPPED(opendir),
+    WRAPPED(closedir),    WRAPPED(lstat64),      WRAPPED(statvfs64),    WRAPPED(rename),
+    WRAPPED(remove),      WRAPPED(rmdir),        WRAPPED(chmod),        WRAPPED(chdir),
+    WRAPPED(popen),       WRAPPED(pclose),       WRAPPED(sleep),        WRAPPED(ferror),
+    WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
+};
+bool sleeps_are_skipped = false;
+
+WrappedFunction *find(const char *name) {
+    for (WrappedFunction &function : functions) {
+        if (strcmp(function.name, name) == 0) {
+            return &function;
+        }
+    }
+    fprintf(stderr, "fault: %s is not wrapped\n", name);
+    __builtin_trap();
+}
+
+// Counts the call; true when it is to fail, with errno set.
+bool fails(const char *name) {
+    WrappedFunction *function = find(name);
+    function->calls++;
+    if (function->fail_from == 0 || function->calls < function->fail_from ||
+        function->calls > function->fail_to) {
+        return false;
+    }
+    errno = function->error;
+    return true;
+}
+
+}  // namespace
+
+namespace fault {
+
+void fail(const char *name, int call, int error, int times) {
+    WrappedFunction *function = find(name);
+    function->fail_from = function->calls + call;
+    function->fail_to = function->fail_from + times - 1;
+    function->error = error;
+}
+
+int calls(const char *name) { return find(name)->calls; }
+
+void skip_sleeps() { sleeps_are_skipped = true; }
+
+void reset() {
+    for (WrappedFunction &function : functions) {
+        function = {function.name, 0, 0, 0, 0};
+    }
+    sleeps_are_skipped = false;
+}
+
+}  // namespace fault
+
+// WRAP(result, name, parameters, arguments, failure): the plain cases.
+#define WRAP(result, name, parameters, arguments, failure) \
+    result __real_##name parameters;                        \
+    result __wrap_##name parameters {                       \
+        if (fails(#name)) {                                 \
+            return failure;                                 \
+        }                                                   \
+        return __real_##name arguments;                     \
+    }
+
+extern "C" {
+
+WRAP(void *, calloc, (size_t count, size_t size), (count, size), nullptr)
+WRAP(void *, realloc, (void *block, size_t size), (block, size), nullptr)
+WRAP(char *, strndup, (const char *text, size_t size), (text, size), nullptr)
+WRAP(int, close, (int fd), (fd), -1)
+WRAP(int, dup, (int fd), (fd), -1)
+WRAP(int, dup2, (int from, int to), (from, to), -1)
+WRAP(int, fsync, (int fd), (fd), -1)
+WRAP(ssize_t, write, (int fd, const void *data, size_t size), (fd, data, size), -1)
+WRAP(FILE *, fopen64, (const char *path, const char *mode), (path, mode), nullptr)
+WRAP(size_t, fwrite, (const void *data, size_t size, size_t count, FILE *stream),
+     (data, size, count, stream), 0)
+WRAP(int, fileno, (FILE * stream), (stream), -1)
+WRAP(int, ferror, (FILE * stream), (stream), 1)
+WRAP(DIR *, opendir, (const char *path), (path), nullptr)
+WRAP(int, lstat64, (const char *path, struct stat64 *status), (path, status), -1)
+WRAP(int, statvfs64, (const char *path, struct statvfs64 *status), (path, status), -1)
+WRAP(int, rename, (const char *from, const char *to), (from, to), -1)
+WRAP(int, remove, (const char *path), (path), -1)
+WRAP(int, rmdir, (const char *path), (path), -1)
+WRAP(int, chmod, (const char *path, mode_t mode), (path, mode), -1)
+WRAP(int, chdir, (const char *path), (path), -1)
+WRAP(int, mkdir, (const char *path, mode_t mode), (path, mode), -1)
+WRAP(FILE *, popen, (const char *command, const char *mode), (command, mode), nullptr)
+
+// What is to be closed is closed all the same.
+int __real_fclose(FILE *stream);
+int __wrap_fclose(FILE *stream) {
+    const bool failing = fails("fclose");
+    const int error = errno;
+    const int result = __real_fclose(stream);
+    if (failing) {
+        errno = error;
+        return EOF;
+    }
+    return result;
+}
+
+int __real_closedir(DIR *directory);
+int __wrap_closedir(DIR *directory) {
+    const bool failing = fails("closedir");
+    const int error = errno;
+    const int result = __real_closedir(directory);
+    if (failing) {
+        errno = error;
+        return -1;
+    }
+    return result;
+}
+
+int __real_pclose(FILE *stream);
+int __wrap_pclose(FILE *stream) {
+    const bool failing = fails("pclose");
+    const int error = errno;
+    const int result = __real_pclose(stream);
+    if (failing) {
+        errno = error;
+        return -1;
+    }
+    return result;
+}
+
+void __real_sync(void);
+void __wrap_sync(void) {
+    fails("sync");  // only counted: a sync of the whole machine is nobody's test
+}
+
+unsigned __real_sleep(unsigned seconds);
+unsigned __wrap_sleep(unsigned seconds) {
+    fails("sleep");
+    return sleeps_are_skipped ? 0 : __real_sleep(seconds);
+}
+
+int __real_open64(const char *path, int flags, ...);
+int __wrap_open64(const char *path, int flags, ...) {
+    mode_t mode = 0;
+    if ((flags & O_CREAT) != 0) {
+        va_list arguments;
+        va_start(arguments, flags);
+        mode = va_arg(arguments, mode_t);
+        va_end(arguments);
+    }
+    return fails("open64") ? -1 : __real_open64(path, flags, mode);
+}
+
+int __real_fcntl64(int fd, int command, ...);
+int __wrap_fcntl64(int fd, int command, ...) {
+    va_list arguments;
+    va_start(arguments, command);
+    void *argument = va_arg(arguments, void *);
+    va_end(arguments);
+    return fails("fcntl64") ? -1 : __real_fcntl64(fd, command, argument);
+}
+
+WRAP(int, sqlite3_open, (const char *path, sqlite3 **db), (path, db), 14 /* SQLITE_CANTOPEN */)
+WRAP(int, sqlite3_exec,
+     (sqlite3 * db, const char *sql, int (*callback)(void *, int, char **, char **), void *context,
+      char **message),
+     (db, sql, callback, context, message), 1 /* SQLITE_ERROR */)
+
+// As SQLite does with statements left open: the handle stays, so close it behind the caller's back.
+int __real_sqlite3_close(sqlite3 *db);
+int __wrap_sqlite3_close(sqlite3 *db) {
+    const bool failing = fails("sqlite3_close");
+    const int result = __real_sqlite3_close(db);
+    return failing ? 5 /* SQLITE_BUSY */ : result;
+}
+
+}  // extern "C"

@@ -1,0 +1,26 @@
+// Faults on purpose: calls that the library makes can be made to fail, and are counted.
+//
+// The functions in wrapped_functions.txt are wrapped at link time, in everything that is linked into
+// a test program and not in shared libraries. With 64-bit file offsets the C library's names carry
+// "64" (open64, fopen64, lstat64, fcntl64 ...).
+#ifndef CMPNT_TESTS_FAULT_HH
+#define CMPNT_TESTS_FAULT_HH
+
+namespace fault {
+
+// The call-th next call of the function (1: the very next) fails with this errno, and so do the
+// `times - 1` calls after it.
+void fail(const char *function, int call, int error, int times = 1);
+
+// Calls of the function since the last reset.
+int calls(const char *function);
+
+// sleep() returns at once, and is only counted.
+void skip_sleeps();
+
+// All functions behave again; counters are zero.
+void reset();
+
+}  // namespace fault
+
+#endif

@@ -1,0 +1,62 @@
+#include "tests/support/files.hh"
+
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+namespace fs = std::filesystem;
+
+std::string read_file(const std::string &path) {
+    std::ifstream file(path, std::ios::binary);
+    std::ostringstream text;
+    text << file.rdbuf();
+    return text.str();
+}
+
+void write_file(const std::string &path, const std::string &text) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream file(path, std::ios::binary | std::ios::trunc);
+    file << text;
+}
+
+void make_directories(const std::string &path) { fs::create_directories(path); }
+
+void remove_tree(const std::string &path) {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+bool exists(const std::string &path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0;
+}
+
+int mode_of(const std::string &path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 ? static_cast<int>(status.st_mode & 07777) : -1;
+}
+
+long long size_of(const std::string &path) {
+    struct stat status;
+    return lstat(path.c_str(), &status) == 0 ? static_cast<long long>(status.st_size) : -1;
+}
+
+std::vector<std::string> names_in(const std::string &directory) {
+    std::vector<std::string> names;
+    std::error_code ignored;
+    for (const auto &entry : fs::directory_iterator(directory, ignored)) {
+        names.push_back(entry.path().filename());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+int open_descriptors() {
+    if (!exists("/proc/self/fd")) {
+        return -1;
+    }
+    return static_cast<int>(names_in("/proc/self/fd").size());
+}

@@ -1,0 +1,52 @@
+// A platform that remembers what the library asked of it, and answers as a test wants.
+#ifndef CMPNT_TESTS_PLATFORM_RECORDER_HH
+#define CMPNT_TESTS_PLATFORM_RECORDER_HH
+
+#include <string>
+#include <vector>
+
+#include "platform/platform.h"
+
+struct SyslogCall {
+    bool card;  // through printk_syslog_lc
+    int32_t priority;
+    std::string tag;
+    std::string module;
+    int32_t count;       // of printk_syslog_ext
+    std::string format;  // as the library handed it over
+    std::string text;    // formatted
+};
+
+struct MomCall {
+    std::string operation;  // "subscribe", "hgetall" or "set"
+    uint32_t store;
+    int32_t number;
+    std::string message_name;  // of the key's or message's descriptor
+    vx_mom_callback callback;
+};
+
+struct TimerCall {
+    void *master;
+    uintptr_t first, third, second;  // in the order of the platform's arguments
+};
+
+struct PlatformRecorder {
+    std::vector<SyslogCall> syslog;
+    std::string cli;  // all that was printed to the operator
+    std::vector<MomCall> mom;
+    std::vector<TimerCall> timers;
+    std::vector<std::vector<uintptr_t>> switch_questions;
+
+    // Answers.
+    time_t clock = 0;  // 0: the machine's own
+    int32_t subscribe_result = 0;
+    int32_t hgetall_result = 0;
+    void *timer_result = nullptr;
+    int32_t switch_result = 0;
+    // Called by the log printers, for what a platform might do inside them.
+    void (*on_syslog)() = nullptr;
+};
+
+extern PlatformRecorder platform;
+
+#endif
