@@ -1,0 +1,12 @@
+// Control, status and file-list files.
+#include "common/log.hh"
+#include "pkgfile/line_file.hh"
+
+int32_t parse_pkg_info_from_file(cmpnt_control_info *record, const char *path,
+                                 cmpnt_file_param *param) {
+    if (record == nullptr || path == nullptr) {
+        CMPNT_LOG(log_error, "input param is error.\n");
+        return -1;
+    }
+    return parse_line_file(__func__, {path, cmpnt_parse_line, record, sizeof(*record)}, param);
+}
