@@ -1,0 +1,146 @@
+// The one way into the database for changes: what each operation code does.
+#include "common/log.hh"
+#include "db/connection.hh"
+#include "db/write.hh"
+
+namespace {
+
+enum class Step { nothing, insert, update, delete_by_name, delete_record, test, report_absence };
+
+struct Action {
+    Step step;
+    UpdateForm update;
+    DeleteForm deletion;
+    const char *failure;
+};
+
+// What a code does where the row is there, and where it is not.
+struct Operation {
+    Action present;
+    Action absent;
+};
+
+constexpr char insert_failed[] = "insert pkg info table fail.\n";
+constexpr char update_failed[] = "update pkg info table fail.\n";
+
+constexpr Action plain(Step step, const char *failure) { return {step, {}, {}, failure}; }
+constexpr Action updating(UpdateForm form, const char *failure = update_failed) {
+    return {Step::update, form, {}, failure};
+}
+constexpr Action deleting(DeleteForm form) {
+    return {Step::delete_record, {}, form, "delete_table_record_from_db fail.\n"};
+}
+
+constexpr Action nothing = plain(Step::nothing, nullptr);
+constexpr Action inserting = plain(Step::insert, insert_failed);
+constexpr Action testing = plain(Step::test, "pkg_name_is_exist_in_db fail.\n");
+
+constexpr Operation operations[] = {
+    {nothing, nothing},
+    /* WRITE_INSERT */ {nothing, inserting},
+    /* WRITE_ROW */ {updating(UpdateForm::row), inserting},
+    /* WRITE_DELETE_BY_NAME */
+    {plain(Step::delete_by_name, "del pkg info table fail.\n"), nothing},
+    /* WRITE_LAST_VERSION */ {updating(UpdateForm::last_version), nothing},
+    /* WRITE_STATE */ {updating(UpdateForm::state), nothing},
+    /* WRITE_ROW_BY_PATH */ {updating(UpdateForm::row), inserting},
+    /* WRITE_CUR_FLAG_OF_PACKAGE_IN_PATCH */
+    {updating(UpdateForm::cur_flag_of_package_in_patch), nothing},
+    /* WRITE_CUR_FLAG_OF_PATCH */ {updating(UpdateForm::cur_flag_of_patch), nothing},
+    /* WRITE_CUR_FLAG_OF_PACKAGE */ {updating(UpdateForm::cur_flag_of_package), nothing},
+    /* WRITE_CUR_FLAG_OF_VERSION */ {updating(UpdateForm::cur_flag_of_version), nothing},
+    /* WRITE_TEST_PKG_NAME */ {testing, testing},
+    /* WRITE_STATE_OF_PACKAGE_IN_PATCH */
+    {updating(UpdateForm::state_of_package_in_patch), plain(Step::report_absence, nullptr)},
+    /* WRITE_DELETE_RECORD */ {deleting(DeleteForm::name), nothing},
+    /* WRITE_DELETE_RECORD_BY_PATH */ {deleting(DeleteForm::patch_and_path), nothing},
+    /* WRITE_PATH */ {updating(UpdateForm::path), updating(UpdateForm::path)},
+    /* WRITE_OP_FLAG_OF_PATCH */ {updating(UpdateForm::op_flag_of_patch), nothing},
+    /* WRITE_OP_FLAG_OF_PACKAGE_IN_PATCH */
+    {updating(UpdateForm::op_flag_of_package_in_patch), nothing},
+    /* WRITE_TEST_PACKAGE_NAME */ {testing, testing},
+    /* WRITE_TEST_ROW */ {testing, testing},
+    /* WRITE_CARD_ID_OF_ALL */
+    {updating(UpdateForm::card_id_of_all), updating(UpdateForm::card_id_of_all)},
+    /* WRITE_SYNC_FLAG */
+    {updating(UpdateForm::sync_flag, "update server sync flag fail.\n"),
+     plain(Step::insert, "insert server sync table fail.\n")},
+    /* WRITE_DELETE_SYNC */ {deleting(DeleteForm::sync_id), nothing},
+    /* WRITE_EFFECTIVE_TIME */
+    {updating(UpdateForm::effective_time, "update time fail.\n"), nothing},
+    /* WRITE_LAST_PATCH */
+    {updating(UpdateForm::last_patch, "update last patch fail.\n"), nothing},
+    /* WRITE_TARGET_PKG_PATH */ {updating(UpdateForm::target_pkg_path), nothing},
+};
+constexpr int32_t operation_count = sizeof(operations) / sizeof(operations[0]);
+static_assert(operation_count == WRITE_TARGET_PKG_PATH + 1, "an operation a code");
+
+int32_t act(sqlite3 *db, cmpnt_db_request *request, const Action &action) {
+    switch (action.step) {
+        case Step::insert:
+            return insert_pkg_info_table(db, request, 1);
+        case Step::update:
+            return update_pkg_info_table(db, request, action.update);
+        case Step::delete_by_name:
+            return del_pkg_info_table(db, request);
+        case Step::delete_record:
+            return delete_table_record_from_db(db, request, action.deletion);
+        case Step::test:
+            return pkg_name_is_exist_in_db(db, request, &request->exist);
+        case Step::report_absence:
+            return -1;
+        default:
+            return 0;
+    }
+}
+
+}  // namespace
+
+int32_t operate_pkg_info_table(sqlite3 *db, cmpnt_db_request *request, int32_t command,
+                               int32_t exists) {
+    if (command < 0 || command >= operation_count) {
+        return 0;
+    }
+    const Operation &operation = operations[command];
+    const Action &action = exists == 1 ? operation.present : operation.absent;
+    if (act(db, request, action) == 0) {
+        return 0;
+    }
+    if (action.step == Step::report_absence) {
+        CMPNT_LOG(log_error, "patch_name(%s), pkg_name(%s) is not exist in db.\n",
+                  request->record.patch_name, request->record.pkg_name);
+    } else {
+        CMPNT_LOG(log_error, "%s", action.failure);
+    }
+    return -1;
+}
+
+int32_t cmpnt_operate_pkg_database(cmpnt_db_request *req, int32_t cmd) {
+    if (req == nullptr) {
+        CMPNT_LOG(log_error, "input param is null.\n");
+        return -1;
+    }
+    DatabaseExchange exchange;
+    if (exchange.begin(req->db_type, __func__) != 0) {
+        return -1;
+    }
+    int32_t exists = 0;
+    int32_t result = -1;
+    if (pkg_name_is_exist_in_db(exchange.db(), req, &exists) != 0) {
+        CMPNT_LOG(log_error, "pkg_name_is_exist_in_db fail.\n");
+    } else if (operate_pkg_info_table(exchange.db(), req, cmd, exists) != 0) {
+        CMPNT_LOG(log_error, "operate_pkg_info_table fail.\n");
+    } else {
+        result = 0;
+    }
+    const int closed = exchange.close();
+    if (closed != SQLITE_OK) {
+        CMPNT_LOG(log_error, "sqlite close fail ret(%d).\n", closed);
+        return -1;
+    }
+    // Still under the lock, with the file closed: the copy is of one moment.
+    if (req->db_type == CMPNT_DB_MAIN && req->table == CMPNT_PKG_UPGRADE_TABLE) {
+        cmpnt_backup_sqlite_db_to_data();
+    }
+    return result;
+}
