@@ -1,4 +1,4 @@
-// Paths as texts.
+// A path cut down to the directory of its file.
 #include <string.h>
 
 #include "common/log.hh"
