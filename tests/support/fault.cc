@@ -31,8 +31,12 @@ WrappedFunction functions[] = {
     WRAPPED(remove),      WRAPPED(rmdir),        WRAPPED(chmod),        WRAPPED(chdir),
     WRAPPED(popen),       WRAPPED(pclose),       WRAPPED(sleep),        WRAPPED(ferror),
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
+    WRAPPED(vsnprintf),
 };
 bool sleeps_are_skipped = false;
+bool space_is_told = false;
+unsigned long told_block_size = 0;
+unsigned long long told_blocks = 0;
 
 WrappedFunction *find(const char *name) {
     for (WrappedFunction &function : functions) {
@@ -71,11 +75,18 @@ int calls(const char *name) { return find(name)->calls; }
 
 void skip_sleeps() { sleeps_are_skipped = true; }
 
+void tell_space(unsigned long block_size, unsigned long long blocks) {
+    space_is_told = true;
+    told_block_size = block_size;
+    told_blocks = blocks;
+}
+
 void reset() {
     for (WrappedFunction &function : functions) {
         function = {function.name, 0, 0, 0, 0};
     }
     sleeps_are_skipped = false;
+    space_is_told = false;
 }
 
 }  // namespace fault
@@ -107,7 +118,8 @@ WRAP(int, fileno, (FILE * stream), (stream), -1)
 WRAP(int, ferror, (FILE * stream), (stream), 1)
 WRAP(DIR *, opendir, (const char *path), (path), nullptr)
 WRAP(int, lstat64, (const char *path, struct stat64 *status), (path, status), -1)
-WRAP(int, statvfs64, (const char *path, struct statvfs64 *status), (path, status), -1)
+WRAP(int, vsnprintf, (char *text, size_t size, const char *format, va_list arguments),
+     (text, size, format, arguments), -1)
 WRAP(int, rename, (const char *from, const char *to), (from, to), -1)
 WRAP(int, remove, (const char *path), (path), -1)
 WRAP(int, rmdir, (const char *path), (path), -1)
@@ -149,6 +161,19 @@ int __wrap_pclose(FILE *stream) {
     if (failing) {
         errno = error;
         return -1;
+    }
+    return result;
+}
+
+int __real_statvfs64(const char *path, struct statvfs64 *status);
+int __wrap_statvfs64(const char *path, struct statvfs64 *status) {
+    if (fails("statvfs64")) {
+        return -1;
+    }
+    const int result = __real_statvfs64(path, status);
+    if (result == 0 && space_is_told) {
+        status->f_frsize = told_block_size;
+        status->f_bavail = told_blocks;
     }
     return result;
 }
