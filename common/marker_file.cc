@@ -8,33 +8,9 @@
 #include "common/log.hh"
 #include "common/tmp_path.hh"
 
-namespace {
-
-// The messages are those of the function that asks.
-bool make_marker_path(const char *function, const char *name, char (&path)[CMPNT_PATH_SIZE]) {
-    if (name == nullptr) {
-        CMPNT_LOG_AS(log_error, function, "param is null.\n");
-        return false;
-    }
-    switch (make_tmp_path(name, path)) {
-        case TmpPath::NO_DIRECTORY:
-            CMPNT_LOG_AS(log_error, function, "cmpnt_get_tmpdir fail.\n");
-            return false;
-        case TmpPath::TOO_LONG:
-            CMPNT_LOG_AS(log_error, function, "path(%s) and file(%s) len >= %d\n", path, name,
-                         CMPNT_PATH_SIZE);
-            return false;
-        case TmpPath::MADE:
-            break;
-    }
-    return true;
-}
-
-}  // namespace
-
 int32_t cmpnt_touch_tmp_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_marker_path(__func__, name, path)) {
+    if (!make_tmp_path(__func__, TmpFile::FILE, name, path)) {
         return -1;
     }
     // Wider than other files: any program may write to a marker.
@@ -48,7 +24,7 @@ int32_t cmpnt_touch_tmp_file(const char *name) {
 
 int32_t cmpnt_rm_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_marker_path(__func__, name, path)) {
+    if (!make_tmp_path(__func__, TmpFile::FILE, name, path)) {
         return -1;
     }
     if (path[strspn(path, "/")] == '\0') {

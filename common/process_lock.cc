@@ -12,22 +12,7 @@
 
 namespace {
 
-bool make_lock_path(const char *function, const char *name, char (&path)[CMPNT_PATH_SIZE]) {
-    if (name == nullptr) {
-        CMPNT_LOG_AS(log_error, function, "param is null.\n");
-        return false;
-    }
-    switch (make_tmp_path(name, path)) {
-        case TmpPath::NO_DIRECTORY:
-            CMPNT_LOG_AS(log_error, function, "cmpnt_get_tmpdir fail.\n");
-            return false;
-        case TmpPath::TOO_LONG:
-            CMPNT_LOG_AS(log_error, function, "path(%s) and lock(%s) len >= %d\n", path, name,
-                         CMPNT_PATH_SIZE);
-            return false;
-        case TmpPath::MADE:
-            break;
-    }
+bool make_lock_directory(const char *function, const char *path) {
     char directory[CMPNT_PATH_SIZE];
     if (cmpnt_memcpy(directory, path, sizeof(directory), static_cast<int32_t>(strlen(path))) != 0) {
         CMPNT_LOG_AS(log_error, function, "cmpnt_memcpy fail.\n");
@@ -67,7 +52,8 @@ void read_own_name(char (&name)[CMPNT_LINE_SIZE]) {
 
 int32_t cmpnt_process_is_running(const char *lock_name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_lock_path(__func__, lock_name, path)) {
+    if (!make_tmp_path(__func__, TmpFile::LOCK, lock_name, path) ||
+        !make_lock_directory(__func__, path)) {
         return -1;
     }
     Descriptor lock(open_lock_file(path));

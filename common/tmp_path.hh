@@ -1,26 +1,15 @@
-// Paths in the temporary directory, for callers that log their own failures.
+// Paths of files in the temporary directory, for functions that say themselves what goes wrong.
 #ifndef CMPNT_COMMON_TMP_PATH_HH
 #define CMPNT_COMMON_TMP_PATH_HH
 
-#include <string.h>
-
 #include "libcmpnt_db.h"
 
-enum class TmpPath { MADE, NO_DIRECTORY, TOO_LONG };
+// What the messages call the file.
+enum class TmpFile { FILE, LOCK };
 
-// The temporary directory followed directly by the name, which brings its leading slash. TOO_LONG
-// leaves the directory alone in the path.
-inline TmpPath make_tmp_path(const char *name, char (&path)[CMPNT_PATH_SIZE]) {
-    if (cmpnt_get_tmpdir(path, CMPNT_PATH_SIZE) == nullptr) {
-        return TmpPath::NO_DIRECTORY;
-    }
-    const size_t directory_length = strlen(path);
-    const size_t name_length = strlen(name);
-    if (name_length >= CMPNT_PATH_SIZE - directory_length) {
-        return TmpPath::TOO_LONG;
-    }
-    memcpy(path + directory_length, name, name_length + 1);
-    return TmpPath::MADE;
-}
+// The temporary directory followed directly by the name, which brings its leading slash. False when
+// there is no such path; the messages bear the name of the function given.
+bool make_tmp_path(const char *function, TmpFile kind, const char *name,
+                   char (&path)[CMPNT_PATH_SIZE]);
 
 #endif
