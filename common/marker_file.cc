@@ -10,7 +10,7 @@
 
 int32_t cmpnt_touch_tmp_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_tmp_path(__func__, TmpFile::FILE, name, path)) {
+    if (!make_tmp_path(__func__, TmpFile::MARKER, name, path)) {
         return -1;
     }
     // Wider than other files: any program may write to a marker.
@@ -24,7 +24,7 @@ int32_t cmpnt_touch_tmp_file(const char *name) {
 
 int32_t cmpnt_rm_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_tmp_path(__func__, TmpFile::FILE, name, path)) {
+    if (!make_tmp_path(__func__, TmpFile::MARKER, name, path)) {
         return -1;
     }
     if (path[strspn(path, "/")] == '\0') {

@@ -5,7 +5,7 @@
 #include "libcmpnt_db.h"
 
 // What the messages call the file.
-enum class TmpFile { FILE, LOCK };
+enum class TmpFile { MARKER, LOCK };
 
 // The temporary directory followed directly by the name, which brings its leading slash. False when
 // there is no such path; the messages bear the name of the function given.
