@@ -56,7 +56,7 @@ void format_select(char (&sql)[statement_size], const cmpnt_db_request &request)
     if (key.first.column == nullptr) {
         return;
     }
-    if (key.first.column == column::sync_id) {
+    if (request.table == CMPNT_SERVER_TABLE) {
         snprintf(sql, sizeof(sql), "select *from %s where %s = '%d'", table, key.first.column,
                  key.first.number(request));
     } else if (key.second.column == nullptr) {

@@ -16,6 +16,7 @@ struct Action {
 
 // What a code does where the row is there, and where it is not.
 struct Operation {
+    int32_t code;
     Action present;
     Action absent;
 };
@@ -36,44 +37,46 @@ constexpr Action inserting = plain(Step::insert, insert_failed);
 constexpr Action testing = plain(Step::test, "pkg_name_is_exist_in_db fail.\n");
 
 constexpr Operation operations[] = {
-    {nothing, nothing},
-    /* WRITE_INSERT */ {nothing, inserting},
-    /* WRITE_ROW */ {updating(UpdateForm::row), inserting},
-    /* WRITE_DELETE_BY_NAME */
-    {plain(Step::delete_by_name, "del pkg info table fail.\n"), nothing},
-    /* WRITE_LAST_VERSION */ {updating(UpdateForm::last_version), nothing},
-    /* WRITE_STATE */ {updating(UpdateForm::state), nothing},
-    /* WRITE_ROW_BY_PATH */ {updating(UpdateForm::row), inserting},
-    /* WRITE_CUR_FLAG_OF_PACKAGE_IN_PATCH */
-    {updating(UpdateForm::cur_flag_of_package_in_patch), nothing},
-    /* WRITE_CUR_FLAG_OF_PATCH */ {updating(UpdateForm::cur_flag_of_patch), nothing},
-    /* WRITE_CUR_FLAG_OF_PACKAGE */ {updating(UpdateForm::cur_flag_of_package), nothing},
-    /* WRITE_CUR_FLAG_OF_VERSION */ {updating(UpdateForm::cur_flag_of_version), nothing},
-    /* WRITE_TEST_PKG_NAME */ {testing, testing},
-    /* WRITE_STATE_OF_PACKAGE_IN_PATCH */
-    {updating(UpdateForm::state_of_package_in_patch), plain(Step::report_absence, nullptr)},
-    /* WRITE_DELETE_RECORD */ {deleting(DeleteForm::name), nothing},
-    /* WRITE_DELETE_RECORD_BY_PATH */ {deleting(DeleteForm::patch_and_path), nothing},
-    /* WRITE_PATH */ {updating(UpdateForm::path), updating(UpdateForm::path)},
-    /* WRITE_OP_FLAG_OF_PATCH */ {updating(UpdateForm::op_flag_of_patch), nothing},
-    /* WRITE_OP_FLAG_OF_PACKAGE_IN_PATCH */
-    {updating(UpdateForm::op_flag_of_package_in_patch), nothing},
-    /* WRITE_TEST_PACKAGE_NAME */ {testing, testing},
-    /* WRITE_TEST_ROW */ {testing, testing},
-    /* WRITE_CARD_ID_OF_ALL */
-    {updating(UpdateForm::card_id_of_all), updating(UpdateForm::card_id_of_all)},
-    /* WRITE_SYNC_FLAG */
-    {updating(UpdateForm::sync_flag, "update server sync flag fail.\n"),
+    {WRITE_INSERT, nothing, inserting},
+    {WRITE_ROW, updating(UpdateForm::row), inserting},
+    {WRITE_DELETE_BY_NAME, plain(Step::delete_by_name, "del pkg info table fail.\n"), nothing},
+    {WRITE_LAST_VERSION, updating(UpdateForm::last_version), nothing},
+    {WRITE_STATE, updating(UpdateForm::state), nothing},
+    {WRITE_ROW_BY_PATH, updating(UpdateForm::row), inserting},
+    {WRITE_CUR_FLAG_OF_PACKAGE_IN_PATCH, updating(UpdateForm::cur_flag_of_package_in_patch),
+     nothing},
+    {WRITE_CUR_FLAG_OF_PATCH, updating(UpdateForm::cur_flag_of_patch), nothing},
+    {WRITE_CUR_FLAG_OF_PACKAGE, updating(UpdateForm::cur_flag_of_package), nothing},
+    {WRITE_CUR_FLAG_OF_VERSION, updating(UpdateForm::cur_flag_of_version), nothing},
+    {WRITE_TEST_PKG_NAME, testing, testing},
+    {WRITE_STATE_OF_PACKAGE_IN_PATCH, updating(UpdateForm::state_of_package_in_patch),
+     plain(Step::report_absence, nullptr)},
+    {WRITE_DELETE_RECORD, deleting(DeleteForm::name), nothing},
+    {WRITE_DELETE_RECORD_BY_PATH, deleting(DeleteForm::patch_and_path), nothing},
+    {WRITE_PATH, updating(UpdateForm::path), updating(UpdateForm::path)},
+    {WRITE_OP_FLAG_OF_PATCH, updating(UpdateForm::op_flag_of_patch), nothing},
+    {WRITE_OP_FLAG_OF_PACKAGE_IN_PATCH, updating(UpdateForm::op_flag_of_package_in_patch), nothing},
+    {WRITE_TEST_PACKAGE_NAME, testing, testing},
+    {WRITE_TEST_ROW, testing, testing},
+    {WRITE_CARD_ID_OF_ALL, updating(UpdateForm::card_id_of_all),
+     updating(UpdateForm::card_id_of_all)},
+    {WRITE_SYNC_FLAG, updating(UpdateForm::sync_flag, "update server sync flag fail.\n"),
      plain(Step::insert, "insert server sync table fail.\n")},
-    /* WRITE_DELETE_SYNC */ {deleting(DeleteForm::sync_id), nothing},
-    /* WRITE_EFFECTIVE_TIME */
-    {updating(UpdateForm::effective_time, "update time fail.\n"), nothing},
-    /* WRITE_LAST_PATCH */
-    {updating(UpdateForm::last_patch, "update last patch fail.\n"), nothing},
-    /* WRITE_TARGET_PKG_PATH */ {updating(UpdateForm::target_pkg_path), nothing},
+    {WRITE_DELETE_SYNC, deleting(DeleteForm::sync_id), nothing},
+    {WRITE_EFFECTIVE_TIME, updating(UpdateForm::effective_time, "update time fail.\n"), nothing},
+    {WRITE_LAST_PATCH, updating(UpdateForm::last_patch, "update last patch fail.\n"), nothing},
+    {WRITE_TARGET_PKG_PATH, updating(UpdateForm::target_pkg_path), nothing},
 };
-constexpr int32_t operation_count = sizeof(operations) / sizeof(operations[0]);
-static_assert(operation_count == WRITE_TARGET_PKG_PATH + 1, "an operation a code");
+
+// Null for a code that does nothing.
+const Operation *find_operation(int32_t code) {
+    for (const Operation &operation : operations) {
+        if (operation.code == code) {
+            return &operation;
+        }
+    }
+    return nullptr;
+}
 
 int32_t act(sqlite3 *db, cmpnt_db_request *request, const Action &action) {
     switch (action.step) {
@@ -98,11 +101,11 @@ int32_t act(sqlite3 *db, cmpnt_db_request *request, const Action &action) {
 
 int32_t operate_pkg_info_table(sqlite3 *db, cmpnt_db_request *request, int32_t command,
                                int32_t exists) {
-    if (command < 0 || command >= operation_count) {
+    const Operation *operation = find_operation(command);
+    if (operation == nullptr) {
         return 0;
     }
-    const Operation &operation = operations[command];
-    const Action &action = exists == 1 ? operation.present : operation.absent;
+    const Action &action = exists == 1 ? operation->present : operation->absent;
     if (act(db, request, action) == 0) {
         return 0;
     }
