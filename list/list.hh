@@ -24,6 +24,11 @@ inline void list_unlink(cmpnt_list_head *link) {
     list_make_empty(link);
 }
 
+inline const cmpnt_upgrade_node *upgrade_node_of(const cmpnt_list_head *link) {
+    return reinterpret_cast<const cmpnt_upgrade_node *>(reinterpret_cast<const char *>(link) -
+                                                        offsetof(cmpnt_upgrade_node, link));
+}
+
 // for (const cmpnt_upgrade_value &value : UpgradeRecords(&cmpnt_upgrade_list)): the records of a list
 // whose nodes stay while it is walked.
 class UpgradeRecords {
@@ -33,11 +38,7 @@ public:
     class Iterator {
     public:
         explicit Iterator(const cmpnt_list_head *link) : link_(link) {}
-        const cmpnt_upgrade_value &operator*() const {
-            return reinterpret_cast<const cmpnt_upgrade_node *>(
-                       reinterpret_cast<const char *>(link_) - offsetof(cmpnt_upgrade_node, link))
-                ->value;
-        }
+        const cmpnt_upgrade_value &operator*() const { return upgrade_node_of(link_)->value; }
         Iterator &operator++() {
             link_ = link_->next;
             return *this;
