@@ -58,16 +58,15 @@ inline bool log_runs_on_card() {
         }                                                                                         \
     } while (0)
 
-// For a message that bears another function's name.
+// For a message that bears another function's name. The trace writer keeps errno by itself.
 #define CMPNT_LOG_AS(channel, function, format, ...)                                              \
     do {                                                                                          \
-        const int cmpnt_saved_errno_ = errno;                                                     \
         if (__builtin_expect(log_is_on(channel), 0)) {                                            \
+            const int cmpnt_saved_errno_ = errno;                                                 \
             CMPNT_SYSLOG(channel, "[%s:%d]" format, function, __LINE__, ##__VA_ARGS__);           \
             errno = cmpnt_saved_errno_;                                                           \
         }                                                                                         \
         cmpnt_write_debug_log((channel).kind, function, __LINE__, format, ##__VA_ARGS__);         \
-        errno = cmpnt_saved_errno_;                                                               \
     } while (0)
 
 #define CMPNT_LOG(channel, format, ...) CMPNT_LOG_AS(channel, __func__, format, ##__VA_ARGS__)
