@@ -5,47 +5,44 @@
 #include <string.h>
 
 #include "common/log.hh"
+#include "db/last_component.hh"
 #include "db/row.hh"
 
 namespace {
 
 constexpr char download_mark[] = "download";  // packages still on their way are never cleared
 
-bool row_qualifies(const Row &row) {
+bool may_be_cleared(const Row &row) {
     return row.number(column::pkg_state) == CMPNT_STATE_INSTALLED ||
            row.number(column::cur_flag) == 0;
 }
 
-void copy_text(char *field, size_t size, const char *text) {
-    cmpnt_snprintf(field, static_cast<int32_t>(size), "%s", text == nullptr ? "" : text);
-}
-
-// Whether the row's SMU may be cleared; then its name and path are in the request, which is zero.
-bool cmpnt_get_smu_name_and_path(cmpnt_db_request *req, const Row &row) {
-    if (!row_qualifies(row)) {
-        return false;
-    }
-    cmpnt_pkg_record &record = req->record;
-    copy_text(record.patch_name, sizeof(record.patch_name), row.text(column::patch_name));
-    copy_text(record.cur_pkg_path, sizeof(record.cur_pkg_path), row.text(column::cur_pkg_path));
-    CMPNT_LOG(log_trace, "read smu_name from db: smu_name(%s), path(%s)\n", record.patch_name,
-              record.cur_pkg_path);
-    return true;
-}
-
-bool is_in_download_area(const char *directory) {
-    const char *slash = strrchr(directory, '/');
-    return strstr(slash == nullptr ? directory : slash + 1, download_mark) != nullptr;
+int32_t copy_text(char *field, size_t size, const char *text) {
+    return cmpnt_snprintf(field, static_cast<int32_t>(size), "%s", text == nullptr ? "" : text);
 }
 
 }  // namespace
 
+// Name and path of the row's SMU, in a request that is all zero; false for a row to be left alone.
+static bool cmpnt_get_smu_name_and_path(cmpnt_db_request *req, const Row &row) {
+    if (!may_be_cleared(row)) {
+        return false;
+    }
+    cmpnt_pkg_record &record = req->record;
+    copy_text(record.patch_name, sizeof(record.patch_name), row.text(column::patch_name));
+    const bool path_fits = copy_text(record.cur_pkg_path, sizeof(record.cur_pkg_path),
+                                     row.text(column::cur_pkg_path)) == 0;
+    CMPNT_LOG(log_trace, "read smu_name from db: smu_name(%s), path(%s)\n", record.patch_name,
+              record.cur_pkg_path);
+    return path_fits;  // a path that was cut would name another directory, and that one would go
+}
+
 int select_clear_callback(void *argument, int columns, char **values, char **names) {
     const Row row = {columns, values, names};
+    cmpnt_db_request request = {};
     if (row.is_null()) {
         return -1;
     }
-    cmpnt_db_request request = {};
     if (!cmpnt_get_smu_name_and_path(&request, row) ||
         cmpnt_is_exist_current_upgrade_list(request.record.patch_name) == 1) {
         return 0;
@@ -57,10 +54,9 @@ int select_clear_callback(void *argument, int columns, char **values, char **nam
     char directory[CMPNT_PATH_SIZE];
     snprintf(directory, sizeof(directory), "%s", request.record.cur_pkg_path);
     get_path_exclude_file_name(directory);
-    if (is_in_download_area(directory)) {
-        return 0;
+    if (strstr(last_component(directory), download_mark) == nullptr) {
+        CMPNT_LOG(log_trace, "prepare delete file(%s)\n", directory);
+        cmpnt_remove(directory);
     }
-    CMPNT_LOG(log_trace, "prepare delete file(%s)\n", directory);
-    cmpnt_remove(directory);
     return 0;
 }

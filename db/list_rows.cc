@@ -3,53 +3,61 @@
 
 #include "common/log.hh"
 #include "libcmpnt_db.h"
+#include "list/upgrade_list.hh"
 
 namespace {
 
-// The row as a list's record; false, logged in the callback's name, when there is no row.
-bool read_row(const Row &row, void *load, cmpnt_upgrade_value *record, const char *function) {
-    if (row.is_null()) {
-        CMPNT_LOG_AS(log_error, function, "input param is null.\n");
-        return false;
-    }
-    set_global_info_from_db(record, row, static_cast<ListLoad *>(load)->copier);
-    return true;
+void copy_record(const void *record, cmpnt_upgrade_value *value) {
+    *value = *static_cast<const cmpnt_upgrade_value *>(record);
+}
+
+UpgradeRecordSource copy_of(const cmpnt_upgrade_value &record) {
+    return {record.patch_name, record.pkg_name, record.state_name, copy_record, &record};
 }
 
 }  // namespace
 
-int select_current_callback(void *load, int columns, char **values, char **names) {
-    cmpnt_upgrade_value record;
-    if (!read_row({columns, values, names}, load, &record, __func__)) {
+bool RowReader::read(const Row &row, const char *callback) {
+    if (row.is_null()) {
+        CMPNT_LOG_AS(log_error, callback, "input param is null.\n");
+        return false;
+    }
+    set_global_info_from_db(&record, row, copier);
+    return true;
+}
+
+int select_current_callback(void *list_load, int columns, char **values, char **names) {
+    ListLoad &load = *static_cast<ListLoad *>(list_load);
+    if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_to_upgrade_list_by_pkg_name(&record);
+    cmpnt_add_to_upgrade_list_by_pkg_name(copy_of(load.record), &load.names);
     return 0;
 }
 
-int select_all_to_list_callback(void *load, int columns, char **values, char **names) {
-    cmpnt_upgrade_value record;
-    if (!read_row({columns, values, names}, load, &record, __func__)) {
+int select_all_to_list_callback(void *list_load, int columns, char **values, char **names) {
+    ListLoad &load = *static_cast<ListLoad *>(list_load);
+    if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_upgrade_value_to_list(&record, CMPNT_UPGRADE_LIST);
+    cmpnt_add_upgrade_value_to_list(copy_of(load.record), CMPNT_UPGRADE_LIST, &load.names);
     return 0;
 }
 
-int select_to_list_by_pkg_version_cb(void *load, int columns, char **values, char **names) {
-    cmpnt_upgrade_value record;
-    if (!read_row({columns, values, names}, load, &record, __func__)) {
+int select_to_list_by_pkg_version_cb(void *row_reader, int columns, char **values, char **names) {
+    RowReader &reader = *static_cast<RowReader *>(row_reader);
+    if (!reader.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_to_list_by_pkg_version(&record);
+    cmpnt_add_to_list_by_pkg_version(&reader.record);
     return 0;
 }
 
-int select_all_to_hp_list_callback(void *load, int columns, char **values, char **names) {
-    cmpnt_upgrade_value record;
-    if (!read_row({columns, values, names}, load, &record, __func__)) {
+int select_all_to_hp_list_callback(void *list_load, int columns, char **values, char **names) {
+    ListLoad &load = *static_cast<ListLoad *>(list_load);
+    if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_upgrade_value_to_list(&record, CMPNT_HP_LIST);
+    cmpnt_add_upgrade_value_to_list(copy_of(load.record), CMPNT_HP_LIST, &load.names);
     return 0;
 }

@@ -12,27 +12,34 @@
 
 namespace {
 
-enum class RowContext { header_counter, list_load, caller_argument };
+// What a row callback takes as its context, new for each select.
+enum class RowContext { header_counter, row_reader, list_load, argument };
 
 struct RowMode {
     int32_t mode;
     sqlite3_callback callback;
     RowContext context;
+    // Of a list load: the list, and the names by which it knows duplicates.
+    const cmpnt_list_head *list = nullptr;
+    NameKey key = NameKey::package;
 };
 
 constexpr RowMode row_modes[] = {
     {CMPNT_ROWS_SHOW_ALL, select_all_callback, RowContext::header_counter},
     {CMPNT_ROWS_SHOW_ACTIVE, select_active_callback, RowContext::header_counter},
     {CMPNT_ROWS_SHOW_RUNNING, select_running_callback, RowContext::header_counter},
-    {CMPNT_ROWS_BY_PKG_NAME, select_current_callback, RowContext::list_load},
-    {CMPNT_ROWS_TO_UPGRADE_LIST, select_all_to_list_callback, RowContext::list_load},
-    {CMPNT_ROWS_CLEAR, select_clear_callback, RowContext::caller_argument},
-    {CMPNT_ROWS_NOT_INSTALLED, select_to_list_by_pkg_version_cb, RowContext::list_load},
-    {CMPNT_ROWS_TO_HP_LIST, select_all_to_hp_list_callback, RowContext::list_load},
+    {CMPNT_ROWS_BY_PKG_NAME, select_current_callback, RowContext::list_load, &cmpnt_upgrade_list,
+     NameKey::package},
+    {CMPNT_ROWS_TO_UPGRADE_LIST, select_all_to_list_callback, RowContext::list_load,
+     &cmpnt_upgrade_list, NameKey::patch_and_package},
+    {CMPNT_ROWS_CLEAR, select_clear_callback, RowContext::argument},
+    {CMPNT_ROWS_NOT_INSTALLED, select_to_list_by_pkg_version_cb, RowContext::row_reader},
+    {CMPNT_ROWS_TO_HP_LIST, select_all_to_hp_list_callback, RowContext::list_load, &cmpnt_hp_list,
+     NameKey::patch_and_package},
 };
 
 // The loads by SMU and by single patch and the auto-sync load are not there yet. A caller that asks
-// for one must not take an empty list for the answer, so they fail.
+// for one must not take an unchanged list for its answer, so they fail.
 constexpr int32_t first_missing_mode = 7;
 constexpr int32_t last_missing_mode = 9;
 
@@ -52,8 +59,12 @@ int32_t run_select(sqlite3 *db, const char *sql, const RowMode &mode, uint32_t a
             int32_t header_was_printed = 0;
             return run_statement(db, sql, function, mode.callback, &header_was_printed);
         }
+        case RowContext::row_reader: {
+            RowReader reader;
+            return run_statement(db, sql, function, mode.callback, &reader);
+        }
         case RowContext::list_load: {
-            ListLoad load;
+            ListLoad load(mode.list, mode.key);
             return run_statement(db, sql, function, mode.callback, &load);
         }
         default:
