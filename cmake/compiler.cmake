@@ -7,8 +7,9 @@ if(CMPNT_DEVELOPER)
         -Wno-format-truncation -Wno-stringop-truncation)
 endif()
 if(CMPNT_SANITIZE)
+    # GCC takes instrumented standard headers for using what they did not set.
     add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all
-        -fno-omit-frame-pointer)
+        -fno-omit-frame-pointer -Wno-maybe-uninitialized)
     add_link_options(-fsanitize=address,undefined)
 endif()
 
