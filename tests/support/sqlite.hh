@@ -14,24 +14,29 @@ inline const std::string auto_sync_db = "/var/lib/opkg/cmpnt_auto_sync.db3";
 
 using SqlRow = std::vector<std::string>;
 
-// A connection of one's own, which notes the statements that it is given.
+// A connection of one's own, which notes the statements that it is given. It opens the file when it
+// is first used.
 class Connection {
 public:
-    explicit Connection(const std::string &path) {
-        sqlite3_open_v2(path.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
-        sqlite3_trace_v2(db_, SQLITE_TRACE_STMT, note, &statements_);
-    }
+    explicit Connection(const std::string &path) : path_(path) {}
     Connection(const Connection &) = delete;
     Connection &operator=(const Connection &) = delete;
     ~Connection() { sqlite3_close_v2(db_); }
 
-    sqlite3 *db() { return db_; }
+    sqlite3 *db() {
+        if (db_ == nullptr) {
+            sqlite3_open_v2(path_.c_str(), &db_, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE,
+                            nullptr);
+            sqlite3_trace_v2(db_, SQLITE_TRACE_STMT, note, &statements_);
+        }
+        return db_;
+    }
 
     // Rows of one statement; NULL reads as "NULL", an error is the only row's only value.
     std::vector<SqlRow> run(const std::string &sql) {
         std::vector<SqlRow> rows;
         sqlite3_stmt *statement = nullptr;
-        int result = sqlite3_prepare_v2(db_, sql.c_str(), -1, &statement, nullptr);
+        int result = sqlite3_prepare_v2(db(), sql.c_str(), -1, &statement, nullptr);
         while (result == SQLITE_OK && (result = sqlite3_step(statement)) == SQLITE_ROW) {
             SqlRow row;
             for (int i = 0; i < sqlite3_column_count(statement); i++) {
@@ -57,11 +62,12 @@ public:
 
 private:
     static int note(unsigned, void *statements, void *, void *text) {
-        static_cast<std::vector<std::string> *>(statements)->push_back(
-            static_cast<const char *>(text));
+        static_cast<std::vector<std::string> *>(statements)
+            ->push_back(static_cast<const char *>(text));
         return 0;
     }
 
+    std::string path_;
     sqlite3 *db_ = nullptr;
     std::vector<std::string> statements_;
 };
