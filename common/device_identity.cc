@@ -1,6 +1,8 @@
 // Which kind of board we run on, as the management data store tells it.
 #include "common/device_identity.hh"
 
+#include <string.h>
+
 #include "common/log.hh"
 #include "p_dev.pb-c.h"
 
@@ -11,7 +13,11 @@ namespace {
 // The subscription may keep the key, so it lives for ever.
 const PDev__DpLibMyInfo identity_key = P_DEV__DP_LIB_MY_INFO__INIT;
 
-int32_t role_of_node_type(PDev__DmNodeTypeE node_type) {
+// The platform may know more node types than we do: the word is read as a plain number.
+int32_t role_of(const PDev__DpLibMyInfo *identity) {
+    int32_t node_type = 0;
+    static_assert(sizeof(node_type) == sizeof(identity->dm_my_node_type));
+    memcpy(&node_type, &identity->dm_my_node_type, sizeof(node_type));
     switch (node_type) {
         case P_DEV__DM_NODE_TYPE_E__DM_TYPE_BOX:
             return CMPNT_ROLE_BOX;
@@ -75,8 +81,7 @@ int32_t cmpnt_get_dp_lib_my_info_cb(void *, vx_mom_record *record) {
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    const auto *identity = static_cast<const PDev__DpLibMyInfo *>(message);
-    const int32_t role = learn_role(role_of_node_type(identity->dm_my_node_type));
+    const int32_t role = learn_role(role_of(static_cast<const PDev__DpLibMyInfo *>(message)));
     CMPNT_LOG(log_trace, "get node_type is %d\n", role);
     return 0;
 }
