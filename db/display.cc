@@ -2,7 +2,7 @@
 #include <string.h>
 
 #include "common/log.hh"
-#include "db/tables.hh"
+#include "db/row.hh"
 
 namespace {
 
@@ -124,21 +124,12 @@ void print_header_once(const View &view, void *counter, int columns, char **name
     cli_printf("\n");
 }
 
-bool row_is_in_state(int32_t state, int columns, char **values, char **names) {
-    for (int i = 0; i < columns; i++) {
-        if (names[i] != nullptr && strcmp(names[i], column::pkg_state) == 0) {
-            return values[i] != nullptr && column_number(values[i]) == state;
-        }
-    }
-    return false;
-}
-
 int show_row_in_state(int32_t state, void *counter, int columns, char **values, char **names) {
     if (counter == nullptr || !is_row(columns, values, names)) {
         return -1;
     }
     print_header_once(state_view, counter, columns, names);
-    if (row_is_in_state(state, columns, values, names)) {
+    if (Row{columns, values, names}.number(column::pkg_state) == state) {
         cmpnt_show_state_field_value(columns, values, names);
     }
     return 0;
