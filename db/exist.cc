@@ -12,19 +12,19 @@ struct RowKey {
 
 RowKey upgrade_key(int32_t code) {
     switch (code) {
-        case WRITE_CUR_FLAG_OF_PACKAGE:
-        case WRITE_TEST_PKG_NAME:
+        case write_cur_flag_of_package:
+        case write_test_pkg_name:
             return {field::pkg_name, field::none};
-        case WRITE_CUR_FLAG_OF_VERSION:
+        case write_cur_flag_of_version:
             return {field::pkg_name, field::cur_version};
-        case WRITE_ROW_BY_PATH:
-        case WRITE_DELETE_RECORD_BY_PATH:
+        case write_row_by_path:
+        case write_delete_record_by_path:
             return {field::patch_name, field::cur_pkg_path};
-        case WRITE_ROW:
-        case WRITE_LAST_VERSION:
-        case WRITE_CUR_FLAG_OF_PACKAGE_IN_PATCH:
-        case WRITE_PATH:
-        case WRITE_TARGET_PKG_PATH:
+        case write_row:
+        case write_last_version:
+        case write_cur_flag_of_package_in_patch:
+        case write_path:
+        case write_target_pkg_path:
             return {field::patch_name, field::pkg_name};
         default:
             return {field::patch_name, field::none};
@@ -35,11 +35,11 @@ RowKey row_key(const cmpnt_db_request &request) {
     switch (request.table) {
         case CMPNT_PACKAGE_INFO_TABLE:
             return {field::package_name,
-                    request.cmd == WRITE_TEST_PACKAGE_NAME ? field::none : field::base_version};
+                    request.cmd == write_test_package_name ? field::none : field::base_version};
         case CMPNT_PKG_UPGRADE_TABLE:
             return upgrade_key(request.cmd);
         case CMPNT_SERVER_TABLE:
-            if (request.cmd == WRITE_SYNC_FLAG || request.cmd == WRITE_DELETE_SYNC) {
+            if (request.cmd == write_sync_flag || request.cmd == write_delete_sync) {
                 return {field::sync_id, field::none};
             }
             return {field::none, field::none};  // no row ever counts as present

@@ -7,11 +7,11 @@ namespace {
 int32_t delete_records(const char *patch_name, int32_t db_type, int32_t table) {
     cmpnt_db_request request = {};
     request.table = table;
-    request.cmd = WRITE_DELETE_RECORD;
+    request.cmd = write_delete_record;
     request.db_type = db_type;
     set_upgrade_db_value(&request.record, patch_name, nullptr, nullptr, nullptr, nullptr, 0, 0, 0,
                          0, nullptr);
-    return cmpnt_operate_pkg_database(&request, WRITE_DELETE_RECORD);
+    return cmpnt_operate_pkg_database(&request, write_delete_record);
 }
 
 }  // namespace
@@ -22,7 +22,7 @@ int32_t cmpnt_delete_record_from_db(const char *patch_name, int32_t db_type) {
         return -1;
     }
     if (delete_records(patch_name, db_type, CMPNT_PKG_UPGRADE_TABLE) != 0) {
-        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", WRITE_DELETE_RECORD);
+        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", write_delete_record);
         return -1;
     }
     CMPNT_LOG(log_major, "cmpnt_delete_record_from_db ok.\n");
@@ -35,7 +35,7 @@ int32_t cmpnt_delete_db_record_by_patch(const char *patch_name, int32_t db_type,
         return -1;
     }
     if (delete_records(patch_name, db_type, table) != 0) {
-        CMPNT_LOG(log_error, "cmpnt_operate_pkg_database fail, cmd(%d).\n", WRITE_DELETE_RECORD);
+        CMPNT_LOG(log_error, "cmpnt_operate_pkg_database fail, cmd(%d).\n", write_delete_record);
         return -1;
     }
     return 0;

@@ -3,15 +3,6 @@
 
 #include "common/log.hh"
 
-// The layout that hosts are compiled against.
-static_assert(sizeof(cmpnt_base_pkg_record) == 156, "base package record");
-static_assert(sizeof(cmpnt_pkg_record) == 3436, "package record");
-static_assert(sizeof(cmpnt_single_patch_value) == 240, "single-patch values");
-static_assert(sizeof(cmpnt_db_request) == 3616, "request");
-static_assert(offsetof(cmpnt_db_request, base) == 16, "request");
-static_assert(offsetof(cmpnt_db_request, record) == 172, "request");
-static_assert(offsetof(cmpnt_db_request, sync_flag) == 3612, "request");
-
 namespace {
 
 template <size_t size>

@@ -19,8 +19,8 @@ int32_t cmpnt_update_state_database(const char *patch_name, const char *name, in
     } else if (table == CMPNT_PACKAGE_INFO_TABLE) {
         set_base_db_value(&request.base, name, nullptr, nullptr, state, 0, 0);
     }
-    if (cmpnt_operate_pkg_database(&request, WRITE_STATE) != 0) {
-        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", WRITE_STATE);
+    if (cmpnt_operate_pkg_database(&request, write_state) != 0) {
+        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", write_state);
         return -1;
     }
     return 0;

@@ -9,7 +9,7 @@ int32_t cmpnt_update_time_by_patch(const char *patch_name, const char *time) {
     }
     cmpnt_db_request request = {};
     request.table = CMPNT_PKG_UPGRADE_TABLE;
-    request.cmd = WRITE_EFFECTIVE_TIME;
+    request.cmd = write_effective_time;
     set_upgrade_db_value(&request.record, patch_name, nullptr, nullptr, nullptr, nullptr, 0, 0, 0,
                          0, nullptr);
     cmpnt_single_patch_value value = {};
@@ -17,8 +17,8 @@ int32_t cmpnt_update_time_by_patch(const char *patch_name, const char *time) {
         cmpnt_snprintf(value.effective_time, sizeof(value.effective_time), "%s", time);
     }
     set_single_patch_db_value(&request.record, &value);
-    if (cmpnt_operate_pkg_database(&request, WRITE_EFFECTIVE_TIME) != 0) {
-        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", WRITE_EFFECTIVE_TIME);
+    if (cmpnt_operate_pkg_database(&request, write_effective_time) != 0) {
+        CMPNT_LOG(log_error, "operate pkg database fail, cmd(%d).\n", write_effective_time);
         return -1;
     }
     CMPNT_LOG(log_trace, "cmpnt_update_time_by_patch ok\n");
