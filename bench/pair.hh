@@ -1,0 +1,18 @@
+// A benchmark pair: what the library does beside the same work done raw, with the most that the ratio
+// of their times is to be.
+#ifndef CMPNT_BENCH_PAIR_HH
+#define CMPNT_BENCH_PAIR_HH
+
+#include <benchmark/benchmark.h>
+
+using BenchWork = void (*)(benchmark::State &state);
+
+// What is compared: the thread's own time, which a busy machine disturbs least; the time that passes,
+// for work that waits for other processes; or what the work itself measured (SetIterationTime).
+enum class BenchClock { thread, wall, manual };
+
+// Call it from a static initialiser. state.range(0) is the argument, for works of several sizes.
+bool add_pair(const char *name, double target, BenchWork library, BenchWork raw, long argument = 0,
+              BenchClock clock = BenchClock::thread);
+
+#endif
