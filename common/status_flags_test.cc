@@ -44,6 +44,18 @@ TEST_F(StatusFlags, AreSetWhenOneOfThemIsMissing) {
     EXPECT_EQ(flags(), O_RDWR | O_APPEND | O_NONBLOCK);
 }
 
+TEST_F(StatusFlags, AreAddedWhereNoneIsSet) {
+    int ends[2];
+    ASSERT_EQ(pipe(ends), 0);
+    ASSERT_EQ(fcntl(ends[0], F_GETFL, 0), 0);
+    EXPECT_EQ(cmpnt_set_recv_flag(ends[0], 0), 0);
+    EXPECT_EQ(cmpnt_set_recv_flag(ends[0], O_NONBLOCK), 0);
+    EXPECT_EQ(fcntl(ends[0], F_GETFL, 0), O_NONBLOCK);
+    EXPECT_TRUE(trace_messages().empty());
+    close(ends[0]);
+    close(ends[1]);
+}
+
 TEST_F(StatusFlags, OfABadDescriptorAreAFailureInTheLogAlone) {
     EXPECT_EQ(cmpnt_set_recv_flag(-1, O_NONBLOCK), 0);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_set_recv_flag",

@@ -56,6 +56,8 @@ TEST_F(TempPath, FitsIntoNoBufferWithoutSize) {
     setenv("TMPDIR", "", 1);
     EXPECT_EQ(cmpnt_get_tmpdir(dest, 0), nullptr);
     EXPECT_TRUE(is_untouched());
+    EXPECT_EQ(cmpnt_get_tmpdir(dest, 1), dest) << "an empty directory needs its terminator";
+    EXPECT_STREQ(dest, "");
 }
 
 TEST_F(TempPath, HasNowhereToGoQuietly) {

@@ -43,6 +43,16 @@ TEST_F(Exchange, CutsToTheOtherBufferSilently) {
     EXPECT_TRUE(trace_messages().empty());
 }
 
+TEST_F(Exchange, LeavesABufferOfOneByteEmpty) {
+    fill("one", "two");
+    EXPECT_EQ(cmpnt_exchange_str(a, b, 1, size), 0);
+    EXPECT_STREQ(a, "");
+    EXPECT_STREQ(b, "one");
+    EXPECT_EQ(cmpnt_exchange_str(a, b, size, 1), 0);
+    EXPECT_STREQ(a, "one");
+    EXPECT_STREQ(b, "");
+}
+
 TEST_F(Exchange, KeepsMoreOfTheSecondTextThanOfTheFirst) {
     fill(std::string(300, 'a'), std::string(300, 'b'));
     EXPECT_EQ(cmpnt_exchange_str(a, b, size, size), 0);
