@@ -64,6 +64,10 @@ TEST_F(FileSize, IsUnknownForWhatHasNone) {
     EXPECT_EQ(cmpnt_get_file_size("/tmp/pipe", 0), unknown_size);
     EXPECT_EQ(cmpnt_get_file_size("/tmp/pipe", 1), unknown_size);
     close(other_end);
+
+    write_file("/tmp/file", "12345");
+    fault::fail("fseeko64", 1, EIO);
+    EXPECT_EQ(cmpnt_get_file_size("/tmp/file", 0), unknown_size);
 }
 
 TEST_F(FileSize, LeavesNoDescriptorOpen) {

@@ -131,6 +131,13 @@ TEST_F(MarkerFile, InfoHasOneTextForNullAndForALongName) {
     }
 }
 
+TEST_F(MarkerFile, InfoZeroesTheBufferBeforeItLooksAtTheLengthOfTheName) {
+    char value[16] = "former";
+    EXPECT_EQ(cmpnt_get_info_from_tmp_file(std::string(300, 'n').c_str(), value, sizeof(value)),
+              -1);
+    EXPECT_STREQ(value, "");
+}
+
 TEST_F(MarkerFile, InfoTouchesNoByteOutsideItsBuffer) {
     write_file("/tmp/.marker", "value\n");
     char value[8] = "kept";
