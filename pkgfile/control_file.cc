@@ -1,5 +1,6 @@
 // Control, status and file-list files.
 #include "common/log.hh"
+#include "pkgfile/control_line.hh"
 #include "pkgfile/line_file.hh"
 
 int32_t parse_pkg_info_from_file(cmpnt_control_info *record, const char *path,
@@ -8,5 +9,5 @@ int32_t parse_pkg_info_from_file(cmpnt_control_info *record, const char *path,
         CMPNT_LOG(log_error, "input param is error.\n");
         return -1;
     }
-    return parse_line_file(__func__, {path, cmpnt_parse_line, record, sizeof(*record)}, param);
+    return parse_line_file(__func__, {path, parse_control_line, record, sizeof(*record)}, param);
 }

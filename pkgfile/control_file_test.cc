@@ -119,6 +119,28 @@ TEST_F(ControlFile, FailsWhenALineFindsNoMemory) {
                                             ": parse_info_from_stream fail, maybe not error.\n"}));
 }
 
+TEST_F(ControlFile, FailsWhenItCannotBeRead) {
+    if (!exists("/proc/self/mem")) {
+        GTEST_SKIP() << "no /proc";
+    }
+    EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH, nullptr, "/proc/self/mem"), -1);
+    EXPECT_EQ(traced("error", "parse_info_from_stream", "fgets fail.\n"), 1);
+    EXPECT_EQ(traced("error", caller, "parse_info_from_stream fail, maybe not error.\n"), 1);
+}
+
+TEST_F(ControlFile, FindsAPackageBehindThousands) {
+    std::string text;
+    for (int i = 0; i < 3000; i++) {
+        text += "Package: p" + std::to_string(i) + "\nVersion: " + std::to_string(i) + "\n\n";
+    }
+    write_file(path, text);
+    EXPECT_EQ(parse(CMPNT_PARSE_FIND_PACKAGE, "p2998"), 0);
+    EXPECT_STREQ(record.package, "p2998");
+    EXPECT_STREQ(record.version, "2998");
+    EXPECT_EQ(fault::calls("calloc"), 1);
+    EXPECT_EQ(fault::calls("realloc"), 0);
+}
+
 TEST_F(ControlFile, FailsWithoutAFile) {
     EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH), -1);
     EXPECT_TRUE(logged("CMPNT_ERROR", caller, "file(/var/lib/opkg/status) is no exist.\n"));

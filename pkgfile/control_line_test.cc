@@ -210,6 +210,25 @@ TEST_F(ControlLine, AcceptsABlankBeforeTheColonAndTakesTheColonForValue) {
     EXPECT_STREQ(record.package, ": foo");
 }
 
+TEST_F(ControlLine, KnowsAFieldByItsKeyHoweverLongTheLine) {
+    const std::string rest(100, 'x');
+    for (const char *key : {"Package", "Package ", "Package\t\r"}) {
+        for (const std::string &value : {std::string("foo"), rest}) {
+            memset(&record, 0, sizeof(record));
+            EXPECT_EQ(parse(key + (":" + value)), 0);
+            EXPECT_STRNE(record.package, "") << key;
+        }
+    }
+    memset(&record, 0, sizeof(record));
+    for (const char *key : {"Packages", "Packag", "Package_", "Package x", "pAckage", "P", "Px"}) {
+        EXPECT_EQ(parse(key + (":" + rest)), 0);
+        EXPECT_EQ(parse(std::string(key) + ":x"), 0);
+        EXPECT_EQ(parse(key), 0);
+    }
+    EXPECT_TRUE(record_is_empty());
+    EXPECT_TRUE(trace_messages().empty());
+}
+
 TEST_F(ControlLine, WithEightyPiecesIsNoFieldAndReported) {
     const std::string colons(78, ':');
     EXPECT_EQ(parse("Description: x" + colons), 0);

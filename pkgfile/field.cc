@@ -9,11 +9,8 @@
 
 namespace {
 
-// A line is split into fewer pieces than this, and only so far.
-constexpr int32_t piece_limit = 80;
+// Only so much of a line is split.
 constexpr size_t split_length = CMPNT_LINE_SIZE - 1;
-
-bool is_space(char c) { return isspace(static_cast<unsigned char>(c)) != 0; }
 
 char *xstrndup(const char *text, size_t length) {
     char *copy = strndup(text, length);
@@ -25,7 +22,7 @@ char *xstrndup(const char *text, size_t length) {
 
 // A new copy of the line's value, or null.
 char *parse_simple(const char *field, const char *line) {
-    const FieldValue value = field_value(field, line);
+    const FieldValue value = field_value(line, strlen(line), strlen(field));
     if (value.length == 0) {
         return nullptr;
     }
@@ -47,47 +44,28 @@ bool is_trimmed_text(const char *text, size_t length, const char *field) {
     return strncmp(text, field, length) == 0 && field[length] == '\0';
 }
 
+const char *find_separator(const char *text, const char *separators) {
+    return separators[0] != '\0' && separators[1] == '\0' ? strchrnul(text, separators[0])
+                                                          : text + strcspn(text, separators);
+}
+
 // Whether the split of the line has a chance to meet its limit.
 bool has_many_pieces(const char *line, const char *separators) {
-    if (strnlen(line, piece_limit - 1) < piece_limit - 1) {
+    if (strnlen(line, shortest_overfull_line) < shortest_overfull_line) {
         return false;
     }
     int32_t pieces = 1;
-    const char *end = line + strcspn(line, separators);
+    const char *end = find_separator(line, separators);
     while (*end != '\0' && static_cast<size_t>(end - line) < split_length) {
         if (++pieces == piece_limit) {
             return true;
         }
-        end++;
-        end += strcspn(end, separators);
+        end = find_separator(end + 1, separators);
     }
     return false;
 }
 
 }  // namespace
-
-FieldValue field_value(const char *field, const char *line) {
-    const size_t name_length = strlen(field);
-    if (strnlen(line, name_length + 1) <= name_length) {
-        return {line, 0};  // the name alone: a value would lie behind the line's end
-    }
-    const char *start = line + name_length + 1;
-    while (is_space(*start)) {
-        start++;
-    }
-    size_t length = strlen(start);
-    while (length > 0 && is_space(start[length - 1])) {
-        length--;
-    }
-    return {start, length};
-}
-
-bool line_is_blank(const char *line) {
-    while (is_space(*line)) {
-        line++;
-    }
-    return *line == '\0';
-}
 
 int32_t cmpnt_parse_str_field(const char *field, const char *line, char *dst, int32_t size) {
     if (field == nullptr || line == nullptr || dst == nullptr) {
@@ -111,7 +89,7 @@ int32_t cmpnt_parse_str_field(const char *field, const char *line, char *dst, in
 // lines of too many pieces, is split for the messages of the failure that it is.
 int32_t cmpnt_is_field(const char *field, const char *line, const char *separator) {
     if (line != nullptr && separator != nullptr && !has_many_pieces(line, separator)) {
-        size_t length = strcspn(line, separator);
+        size_t length = static_cast<size_t>(find_separator(line, separator) - line);
         length = length < split_length ? length : split_length;
         return field != nullptr && is_trimmed_text(line, length, field) ? 1 : 0;
     }

@@ -6,7 +6,6 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
-#include "pkgfile/stream_reader.hh"
 
 int32_t parse_line_file(const char *caller, const LineFile &file, cmpnt_file_param *param) {
     if (file_is_exist(file.path) == 0) {
@@ -23,7 +22,9 @@ int32_t parse_line_file(const char *caller, const LineFile &file, cmpnt_file_par
         return -1;
     }
     memset(file.record, 0, file.zeroed);
-    const int32_t result = read_lines(file.handler, file.record, stream.get(), line_buffer, param);
+    LineBlock block(fileno(stream.get()));
+    const int32_t result =
+        read_lines({file.handler, file.record, param}, stream.get(), &block, line_buffer);
     cmpnt_free_pointer(line_buffer);
     if (result != 0) {
         CMPNT_LOG_AS(log_error, caller, "parse_info_from_stream fail, maybe not error.\n");

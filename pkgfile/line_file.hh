@@ -2,11 +2,11 @@
 #ifndef CMPNT_PKGFILE_LINE_FILE_HH
 #define CMPNT_PKGFILE_LINE_FILE_HH
 
-#include "libcmpnt_db.h"
+#include "pkgfile/stream_reader.hh"
 
 struct LineFile {
     const char *path;
-    cmpnt_line_handler handler;
+    TextLineHandler handler;
     void *record;
     size_t zeroed;  // bytes of the record to zero once the file is open
 };

@@ -13,8 +13,10 @@ constexpr size_t largest_size_that_grows = 0xFFFFF;
 
 struct LineReader {
     FILE *stream;
+    LineBlock *block;  // of the stream's file, or null
     char *&buffer;
     size_t size;
+    TextLine line;
     int32_t line_number;
 };
 
@@ -22,7 +24,7 @@ enum class Next { line, line_without_newline, end, failure, no_memory };
 
 // What the end of the stream means with `held` characters of a line in the buffer.
 Next end_of_stream(const LineReader &reader, size_t held) {
-    if (ferror(reader.stream)) {
+    if (ferror(reader.stream) || (reader.block != nullptr && reader.block->failed)) {
         CMPNT_LOG_AS(log_error, reader_name, "fgets fail.\n");
         return Next::failure;
     }
@@ -51,24 +53,31 @@ bool grow(LineReader &reader) {
     return true;
 }
 
-// Reads one line, however long, and ends it at its newline.
-Next next_line(LineReader &reader) {
+char *get_text(LineReader &reader, char *text, size_t size) {
+    return reader.block != nullptr ? gets_from_block(*reader.block, text, size)
+                                   : fgets_unlocked(text, static_cast<int>(size), reader.stream);
+}
+
+// Reads one line, however long, into the buffer and ends it at its newline.
+Next line_into_buffer(LineReader &reader) {
     size_t held = 0;
     reader.buffer[0] = '\0';
     for (;;) {
         char *text = reader.buffer + held;
         const size_t room = reader.size - held - 1;
-        if (fgets_unlocked(text, static_cast<int>(room + 1), reader.stream) == nullptr) {
+        if (get_text(reader, text, room + 1) == nullptr) {
+            reader.line = {reader.buffer, held};
             return end_of_stream(reader, held);
         }
-        char *newline = strchr(text, '\n');
-        if (newline != nullptr) {
-            *newline = '\0';
-            reader.line_number++;
+        char *end = strchrnul(text, '\n');
+        const bool has_newline = *end == '\n';
+        *end = '\0';
+        held = static_cast<size_t>(end - reader.buffer);
+        reader.line = {reader.buffer, held};
+        if (has_newline) {
             return Next::line;
         }
-        const size_t length = strlen(text);
-        if (length < room) {
+        if (held < reader.size - 1) {
             CMPNT_LOG_AS(log_error, reader_name, "Missing new line character at end of file!\n");
             return Next::line_without_newline;
         }
@@ -77,22 +86,45 @@ Next next_line(LineReader &reader) {
                          "Excessively long line at %d. maybe corrupt file.\n", reader.line_number);
             return Next::failure;
         }
-        held += length;
         if (!grow(reader)) {
             return Next::no_memory;
         }
     }
 }
 
+// A line that would fit the buffer is left where it lies.
+Next next_line(LineReader &reader) {
+    if (reader.block != nullptr) {
+        reader.line = next_line_in_block(*reader.block, reader.size - 2);
+        if (reader.line.text != nullptr) {
+            return Next::line;
+        }
+    }
+    return line_into_buffer(reader);
+}
+
+// A host's handler behind ours.
+struct HostReceiver {
+    cmpnt_line_handler handler;
+    void *record;
+};
+
+int32_t call_host(void *receiver, TextLine line, cmpnt_file_param *param) {
+    const HostReceiver *host = static_cast<HostReceiver *>(receiver);
+    return host->handler(host->record, line.text, param);
+}
+
 }  // namespace
 
-int32_t read_lines(cmpnt_line_handler handler, void *record, FILE *stream, char *&line_buffer,
-                   cmpnt_file_param *param) {
-    LineReader reader = {stream, line_buffer, line_buffer_size, 1};
+int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
+                   char *&line_buffer) {
+    LineReader reader = {stream, block, line_buffer, line_buffer_size, {}, 1};
     for (;;) {
         switch (next_line(reader)) {
             case Next::line: {
-                const int32_t result = handler(record, reader.buffer, param);
+                reader.line_number++;
+                const int32_t result =
+                    receiver.handler(receiver.record, reader.line, receiver.param);
                 if (result == handler_error) {
                     CMPNT_LOG_AS(log_error, reader_name, "parse_line error\n");
                     return -1;
@@ -103,7 +135,7 @@ int32_t read_lines(cmpnt_line_handler handler, void *record, FILE *stream, char 
                 break;
             }
             case Next::line_without_newline:
-                handler(record, reader.buffer, param);
+                receiver.handler(receiver.record, reader.line, receiver.param);
                 return 0;
             case Next::end:
                 return 0;
@@ -121,7 +153,8 @@ int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *s
         *line_buffer == nullptr) {
         return -1;
     }
-    const int32_t result = read_lines(handler, record, stream, *line_buffer, param);
+    HostReceiver host = {handler, record};
+    const int32_t result = read_lines({call_host, &host, param}, stream, nullptr, *line_buffer);
     if (result == read_without_memory) {
         *line_buffer = nullptr;
     }

@@ -3,15 +3,26 @@
 #define CMPNT_PKGFILE_STREAM_READER_HH
 
 #include "libcmpnt_db.h"
+#include "pkgfile/line_block.hh"
 
 inline constexpr uint32_t line_buffer_size = 1024;
 inline constexpr int32_t handler_stop = -1;
 inline constexpr int32_t handler_error = -4;
 
-// As parse_info_from_stream, but the buffer stays the caller's to free in every outcome.
+// As cmpnt_line_handler.
+using TextLineHandler = int32_t (*)(void *record, TextLine line, cmpnt_file_param *param);
+
+struct LineReceiver {
+    TextLineHandler handler;
+    void *record;
+    cmpnt_file_param *param;
+};
+
+// As parse_info_from_stream, but the buffer stays the caller's to free in every outcome. With a block
+// of the stream's file, which nothing has been read of, lines are taken from there.
 // Results: 0, -1, and read_without_memory when the buffer could not grow.
 inline constexpr int32_t read_without_memory = -2;
-int32_t read_lines(cmpnt_line_handler handler, void *record, FILE *stream, char *&line_buffer,
-                   cmpnt_file_param *param);
+int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
+                   char *&line_buffer);
 
 #endif

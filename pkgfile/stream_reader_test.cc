@@ -3,6 +3,8 @@
 #include <stdlib.h>
 #include <string.h>
 
+#include <random>
+
 #include "common/guard.hh"
 #include "tests/support/device_test.hh"
 
@@ -24,6 +26,26 @@ int32_t collect(void *record, char *line, cmpnt_file_param *param) {
     lines->last_address = line;
     const size_t number = lines->seen.size();
     return number <= lines->answers.size() ? lines->answers[number - 1] : 0;
+}
+
+int32_t collect_text_line(void *record, TextLine line, cmpnt_file_param *param) {
+    EXPECT_EQ(line.length, strlen(line.text));
+    return collect(record, line.text, param);
+}
+
+// Short and long lines, some with a carriage return, a zero byte or no newline at the end.
+std::string random_text(std::mt19937 &random) {
+    std::string text;
+    const size_t wanted = random() % 60000;
+    while (text.size() < wanted) {
+        text += std::string(random() % (random() % 8 == 0 ? 5000 : 80), 'x');
+        text += random() % 200 == 0 ? std::string(1, '\0') : "";
+        text += "\n";
+    }
+    if (!text.empty() && random() % 3 == 0) {
+        text.pop_back();
+    }
+    return text;
 }
 
 }  // namespace
@@ -190,8 +212,58 @@ TEST_F(StreamReader, KeepsTheBufferOfItsOwnersInTheLibraryWhenItCannotGrow) {
     write_file("/tmp/lines", std::string(5000, 'x'));
     stream.reset(fopen("/tmp/lines", "r"));
     fault::fail("realloc", 2, ENOMEM);
-    EXPECT_EQ(read_lines(collect, &lines, stream.get(), buffer, &param), read_without_memory);
+    EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), nullptr, buffer),
+              read_without_memory);
     EXPECT_NE(buffer, nullptr);
+}
+
+TEST_F(StreamReader, ReadsBlocksAsItReadsStreams) {
+    std::mt19937 random(1);
+    for (int i = 0; i < 100; i++) {
+        const std::string text = random_text(random);
+        forget_log();
+        lines.seen.clear();
+        const int32_t result = read_text(text);
+        const std::vector<std::string> seen = lines.seen;
+        const std::vector<std::string> messages = trace_messages();
+
+        forget_log();
+        lines.seen.clear();
+        stream.reset(fopen("/tmp/lines", "r"));
+        free(buffer);
+        buffer = static_cast<char *>(malloc(line_buffer_size));
+        LineBlock block(fileno(stream.get()));
+        ASSERT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer),
+                  result);
+        ASSERT_EQ(lines.seen, seen);
+        ASSERT_EQ(trace_messages(), messages);
+        free(buffer);
+        buffer = static_cast<char *>(malloc(line_buffer_size));
+    }
+}
+
+TEST_F(StreamReader, GrowsItsBufferForALineOfABlockAsForOneOfAStream) {
+    const std::string fitting(1022, 'x');
+    for (const auto &test : {std::make_pair(fitting, 0), std::make_pair(fitting + "x", 1),
+                             std::make_pair(std::string(10000, 'x'), 4)}) {
+        write_file("/tmp/lines", test.first + "\n" + test.first + "\n");
+        stream.reset(fopen("/tmp/lines", "r"));
+        free(buffer);
+        buffer = static_cast<char *>(malloc(line_buffer_size));
+        LineBlock block(fileno(stream.get()));
+        fault::reset();
+        EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer), 0);
+        EXPECT_EQ(fault::calls("realloc"), test.second) << test.first.size();
+        EXPECT_EQ(lines.seen, (std::vector<std::string>{test.first, test.first}));
+        lines.seen.clear();
+    }
+}
+
+TEST_F(StreamReader, FailsWhenABlockCannotBeRead) {
+    stream.reset(fopen("/tmp", "r"));
+    LineBlock block(fileno(stream.get()));
+    EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer), -1);
+    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", "fgets fail.\n"));
 }
 
 TEST_F(StreamReader, TakesALineWithAZeroByteForTheLast) {

@@ -1,0 +1,44 @@
+// A file read in blocks, whose lines are handed out where they lie. It reads ahead, so it is for files
+// that nobody else reads from.
+#ifndef CMPNT_PKGFILE_LINE_BLOCK_HH
+#define CMPNT_PKGFILE_LINE_BLOCK_HH
+
+#include <stddef.h>
+#include <string.h>
+
+#include "pkgfile/text_line.hh"
+
+struct LineBlock {
+    static constexpr size_t capacity = 16 * 1024;
+
+    explicit LineBlock(int descriptor) : fd(descriptor), failed(false), next(text), end(text) {
+        *end = '\0';
+    }
+
+    int fd;
+    bool failed;  // a read did
+    char *next;   // what is not handed out yet, up to the zero byte at end
+    char *end;
+    char text[capacity + 1];
+};
+
+// The rest of next_line_in_block, when no whole line is held.
+TextLine line_across_blocks(LineBlock &block, size_t longest);
+
+// The next line, ended at its newline, when it has at most `longest` characters and no zero byte;
+// else a null text, and nothing is taken.
+inline TextLine next_line_in_block(LineBlock &block, size_t longest) {
+    char *newline = strchrnul(block.next, '\n');
+    const TextLine line = {block.next, static_cast<size_t>(newline - block.next)};
+    if (*newline == '\0' || line.length > longest) {
+        return line_across_blocks(block, longest);
+    }
+    *newline = '\0';
+    block.next = newline + 1;
+    return line;
+}
+
+// As fgets.
+char *gets_from_block(LineBlock &block, char *destination, size_t size);
+
+#endif
