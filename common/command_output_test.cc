@@ -138,6 +138,15 @@ TEST_F(CommandOutput, MakesRoomInTheLogAtTheLimitAndNotBelow) {
     EXPECT_EQ(read_file(install_log), "line\n");
 }
 
+TEST_F(CommandOutput, MakesRoomInTheLogBehindALink) {
+    write_file("/data/log", std::string(size_limit, 'a'));
+    make_directories("/var/cache/opkg/debug");
+    ASSERT_EQ(symlink("/data/log", install_log), 0);
+    EXPECT_EQ(keep("line\n", install_log), 0);
+    EXPECT_EQ(read_file(install_log), "line\n");
+    EXPECT_EQ(size_of("/data/log"), static_cast<long long>(size_limit));
+}
+
 TEST_F(CommandOutput, RemovesTheInstallLogWhenTheOtherFileIsFull) {
     write_file(dependents_file, std::string(size_limit, 'a'));
     write_file(install_log, "text\n");
@@ -184,7 +193,9 @@ TEST_F(CommandOutput, IsWholeAlsoWhenSignalsInterruptTheReading) {
     EXPECT_EQ(read_file(install_log), digits + "\n");
 
     remove_tree(install_log);
-    be_package_manager(interrupted);  // the end comes behind an interruption
+    // The end comes behind interruptions of a read that has nothing new to give.
+    be_package_manager(interrupted + "; for i in 0 1 2 3 4; do /bin/true; kill -USR1 " +
+                       std::to_string(getpid()) + "; done");
     EXPECT_EQ(cmpnt_popen_cmd_run("opkg install", "a.ipk"), 0);
     EXPECT_EQ(read_file(install_log), digits.substr(0, 99) + "\n");
     sigaction(SIGUSR1, &former, nullptr);

@@ -165,6 +165,14 @@ TEST_F(Command, RunsNothingWhenTheLineCannotBeMade) {
     EXPECT_TRUE(streams.are_in_place());
 }
 
+TEST_F(Command, SaysWhenTheLineCannotBeMade) {
+    for (const NamedRunner &runner : runners) {
+        fault::fail("vsnprintf", 1, ENOMEM);
+        EXPECT_EQ(runner.run("true", "text"), -1);
+        EXPECT_TRUE(logged("CMPNT_ERROR", runner.name, "cmpnt_snprintf fail\n"));
+    }
+}
+
 TEST_F(Command, TellsWhyThereIsNoPipe) {
     fault::fail("popen", 1, EAGAIN);
     EXPECT_EQ(cmpnt_popen_cmd_run("true", ""), -1);

@@ -200,8 +200,8 @@ CMPNT_API int32_t cmpnt_fsync(int32_t fd);
 CMPNT_API int32_t cmpnt_set_file_nonblock(FILE *stream, uint32_t flags);
 
 /* Appends text (at most 1023 bytes with its newline) and a newline to the file, creates it (mode
- * 0755) and its directories when missing, and syncs it. Only a null argument and a failed open
- * give -1. */
+ * 0755) and its directories when missing, and syncs it. The path has a "/": without one it is made a
+ * directory. Only a null argument and a failed open give -1. */
 CMPNT_API int32_t cmpnt_write_to_file(const char *text, const char *path);
 
 /* Size of a file: unit 1 in kilobytes, rounded down; any other unit in bytes. (uint32_t)-1 for null,
@@ -213,7 +213,8 @@ CMPNT_API int32_t cmpnt_check_file_space_is_enough(const char *directory, const 
                                                    int32_t extra_kbytes);
 
 /* Marker files in the temporary directory; name brings its leading slash. Names reach a shell
- * unquoted in cmpnt_rm_file, whose own removal result is not looked at. */
+ * unquoted in cmpnt_rm_file, which removes directories too, refuses the root, and does not look at
+ * how the removal went. */
 CMPNT_API int32_t cmpnt_touch_tmp_file(const char *name);
 CMPNT_API int32_t cmpnt_rm_file(const char *name);
 
@@ -230,7 +231,8 @@ CMPNT_API int32_t cmpnt_set_recv_flag(int32_t fd, uint32_t flags);
  * file (see cmpnt_install_log_redirect), and waits for it. 0 when the command exits with status 0,
  * else -1. Arguments reach the shell unquoted. Output is read and thrown away, but for two commands:
  * that of "opkg whatdepends..." is appended to "/var/cache/opkg/.cmd_redirect" and that of "opkg
- * install..." to "/var/cache/opkg/debug/.cmpnt_upgrade_opkg.log". */
+ * install..." to "/var/cache/opkg/debug/.cmpnt_upgrade_opkg.log". The host keeps descriptors 0 to 2
+ * open and SIGCHLD at its default: while it is ignored every command counts as failed. */
 CMPNT_API int32_t cmpnt_popen_cmd_run(const char *command, const char *arguments); /* ( -> \( */
 CMPNT_API int32_t cmpnt_popen_cmd_run_not_deal_brk(const char *command, const char *arguments);
 CMPNT_API int32_t cmpnt_system_cmd_run(const char *command, const char *arguments);
