@@ -11,8 +11,8 @@ protected:
     void fill(const std::string &text_a, const std::string &text_b) {
         memset(a, '#', sizeof(a));
         memset(b, '#', sizeof(b));
-        strcpy(a, text_a.c_str());
-        strcpy(b, text_b.c_str());
+        snprintf(a, sizeof(a), "%s", text_a.c_str());
+        snprintf(b, sizeof(b), "%s", text_b.c_str());
     }
 };
 
@@ -100,7 +100,7 @@ protected:
         const char *texts[count] = {"/a/first", "/b/2", "/c/the-third", "/d"};
         for (int32_t i = 0; i < count; i++) {
             memset(buffers[i], '#', size);
-            strcpy(buffers[i], texts[i]);
+            snprintf(buffers[i], size, "%s", texts[i]);
             array[i] = buffers[i];
         }
     }

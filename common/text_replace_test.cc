@@ -10,7 +10,7 @@ protected:
 
     int32_t replace(const char *text, int32_t size, const char *old_text, const char *new_text) {
         memset(buffer, '#', sizeof(buffer));
-        strcpy(buffer, text);
+        snprintf(buffer, sizeof(buffer), "%s", text);
         forget_log();
         return cmpnt_replace(buffer, size, old_text, new_text);
     }
