@@ -1,7 +1,6 @@
 // "Field: value" lines: which field a line is, and what its value is.
 #include "pkgfile/field.hh"
 
-#include <ctype.h>
 #include <string.h>
 
 #include "common/guard.hh"

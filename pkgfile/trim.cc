@@ -1,19 +1,18 @@
 // White space at both ends of a text, taken away in place.
-#include <ctype.h>
 #include <string.h>
 
-#include "libcmpnt_db.h"
+#include "pkgfile/field.hh"
 
 char *cmpnt_trim(char *text) {
     if (text == nullptr) {
         return nullptr;
     }
     size_t length = strlen(text);
-    while (length > 0 && isspace(static_cast<unsigned char>(text[length - 1]))) {
+    while (length > 0 && is_space(text[length - 1])) {
         text[--length] = '\0';
     }
     size_t leading = 0;
-    while (isspace(static_cast<unsigned char>(text[leading]))) {
+    while (is_space(text[leading])) {
         leading++;
     }
     if (leading > 0) {
