@@ -60,7 +60,7 @@ NameIndex::NameIndex(const cmpnt_list_head *list, NameKey key) : list_(list), ke
 NameIndex::~NameIndex() { free(slots_); }
 
 const cmpnt_upgrade_node *NameIndex::find(const char *patch_name, const char *pkg_name) const {
-    if (slots_ == nullptr) {
+    if (capacity_ == 0) {
         return first_node_with_names(list_, key_, patch_name, pkg_name);
     }
     const uint32_t hash = hash_names(key_, patch_name, pkg_name);
@@ -72,7 +72,7 @@ void NameIndex::add(const cmpnt_upgrade_node *node) {
     if (walks_ || nodes_ <= walked_nodes) {
         return;
     }
-    if (slots_ == nullptr) {
+    if (capacity_ == 0) {
         build();
     } else if (2 * nodes_ <= capacity_ || resize(2 * capacity_)) {
         place(node);
@@ -99,6 +99,7 @@ void NameIndex::build() {
 void NameIndex::give_up() {
     free(slots_);
     slots_ = nullptr;
+    capacity_ = 0;
     walks_ = true;
 }
 

@@ -50,8 +50,8 @@ private:
     NameKey key_;
     bool walks_ = false;  // for good: memory was out
     Slot *slots_ = nullptr;
-    size_t capacity_ = 0;  // a power of two
-    size_t nodes_ = 0;     // in the list; in the slots once there are some
+    size_t capacity_ = 0;  // a power of two; 0: the list is walked
+    size_t nodes_ = 0;     // in the list
 };
 
 #endif
