@@ -88,8 +88,8 @@ int main(int count, char **arguments) {
     std::vector<std::string> options = {
         arguments[0],
         "--benchmark_enable_random_interleaving=true",
-        "--benchmark_repetitions=15",
-        "--benchmark_min_time=0.1",
+        "--benchmark_repetitions=31",
+        "--benchmark_min_time=0.03",
         "--benchmark_report_aggregates_only=true",
     };
     options.insert(options.end(), arguments + 1, arguments + count);

@@ -23,15 +23,28 @@ constexpr size_t line_size = CMPNT_LINE_SIZE;
 // waiting for itself: creating the trace directory logs its own failure.
 pthread_mutex_t debug_mutex = PTHREAD_ERRORCHECK_MUTEX_INITIALIZER_NP;
 
-struct TraceLine {
-    char text[line_size];
+// Put together by hand: this runs for every line, and printf would be its largest cost.
+template <size_t size>
+struct Text {
+    char bytes[size];
     size_t length;
 };
 
-void append_text(TraceLine &line, const char *text) {
-    const size_t length = strnlen(text, line_size - 1 - line.length);
-    memcpy(line.text + line.length, text, length);
-    line.length += length;
+using TraceLine = Text<line_size>;
+
+template <size_t size>
+void append_bytes(Text<size> &text, const char *bytes, size_t length) {
+    const size_t room = size - 1 - text.length;
+    const size_t fitting = length < room ? length : room;
+    memcpy(text.bytes + text.length, bytes, fitting);
+    text.length += fitting;
+    text.bytes[text.length] = '\0';
+}
+
+template <size_t size>
+void append_text(Text<size> &text, const char *more) {
+    const char *shown = more == nullptr ? "(null)" : more;
+    append_bytes(text, shown, strlen(shown));
 }
 
 void append_number(TraceLine &line, int32_t number) {
@@ -50,27 +63,42 @@ void append_number(TraceLine &line, int32_t number) {
     append_text(line, start);
 }
 
+// Most messages are made of texts and numbers; from the first other conversion on printf takes over.
+void append_message(TraceLine &line, const char *format, va_list arguments) {
+    for (;;) {
+        const char *conversion = strchrnul(format, '%');
+        append_bytes(line, format, static_cast<size_t>(conversion - format));
+        format = conversion;
+        if (strncmp(conversion, "%s", 2) == 0) {
+            append_text(line, va_arg(arguments, const char *));
+        } else if (strncmp(conversion, "%d", 2) == 0) {
+            append_number(line, va_arg(arguments, int));
+        } else {
+            break;
+        }
+        format += 2;
+    }
+    if (*format != '\0') {
+        vsnprintf(line.bytes + line.length, line_size - line.length, format, arguments);
+        line.length += strlen(line.bytes + line.length);
+    }
+}
+
 // "[time, kind, function-line]" and the message, cut to the line.
 void format_line(TraceLine &line, const char *kind, const char *function, int32_t number,
                  const char *format, va_list arguments) {
-    char time[128] = {};
-    cmppnt_get_time(time, sizeof(time), 1);
-    line.length = 0;
-    append_text(line, "[");
-    append_text(line, time);
+    line.bytes[0] = '[';
+    line.bytes[1] = '\0';
+    cmppnt_get_time(line.bytes + 1, line_size - 1, 1);
+    line.length = strlen(line.bytes);
     append_text(line, ", ");
-    append_text(line, kind == nullptr ? "(null)" : kind);
+    append_text(line, kind);
     append_text(line, ", ");
-    append_text(line, function == nullptr ? "(null)" : function);
+    append_text(line, function);
     append_text(line, "-");
     append_number(line, number);
     append_text(line, "]");
-    const size_t room = line_size - line.length;
-    const int written = vsnprintf(line.text + line.length, room, format, arguments);
-    if (written > 0) {
-        const size_t message = static_cast<size_t>(written);
-        line.length += message < room ? message : room - 1;
-    }
+    append_message(line, format, arguments);
 }
 
 int create_trace_file(const char *path) {
@@ -96,15 +124,19 @@ int open_trace_file(const char *path) {
 }
 
 void append_to_trace_file(const TraceLine &line) {
-    char name[128] = {};
+    char name[16] = {};  // what the kernel has room for
     prctl(PR_GET_NAME, name);
-    char path[128];
-    snprintf(path, sizeof(path), "%s/.%s.log", trace_directory, name);
-    const int trace_fd = open_trace_file(path);
+    Text<128> path;
+    path.length = 0;
+    append_text(path, trace_directory);
+    append_text(path, "/.");
+    append_text(path, name);
+    append_text(path, ".log");
+    const int trace_fd = open_trace_file(path.bytes);
     if (trace_fd < 0) {
         return;
     }
-    if (write(trace_fd, line.text, line.length) < 0) {
+    if (write(trace_fd, line.bytes, line.length) < 0) {
         // A line that cannot be written is lost; there is nowhere to say so.
     }
     fsync(trace_fd);

@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <pthread.h>
+#include <string.h>
 #include <sys/prctl.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -72,6 +73,32 @@ TEST_F(TraceFile, TakesTheExtremesOfALineNumber) {
     EXPECT_NE(read_file(trace_path()).find(", f-2147483647]x\n"), std::string::npos);
     cmpnt_write_debug_log("error", "f", 0, "x\n");
     EXPECT_NE(read_file(trace_path()).find(", f-0]x\n"), std::string::npos);
+}
+
+TEST_F(TraceFile, FormatsEveryKindOfMessage) {
+    const char *volatile null_text = nullptr;
+    errno = ENOSPC;
+    cmpnt_write_debug_log("error", "f", 1, "plain\n");
+    cmpnt_write_debug_log("error", "f", 1, "%s,%d;%s%d\n", "one", INT32_MIN, "", 0);
+    cmpnt_write_debug_log("error", "f", 1, "a(%s) b(%5d) c(%s) d(%d)\n", "x", 7, "y", -7);
+    cmpnt_write_debug_log("error", "f", 1, "%u%% of %lu: %-4s|%c\n", 50u, 4000000000ul, "ab", 'z');
+    cmpnt_write_debug_log("error", "f", 1, "%s %m\n", null_text);
+    const std::string start = "error f: ";
+    EXPECT_EQ(
+        trace_messages(),
+        (std::vector<std::string>{
+            start + "plain\n", start + "one,-2147483648;0\n", start + "a(x) b(    7) c(y) d(-7)\n",
+            start + "50% of 4000000000: ab  |z\n", start + "(null) " + strerror(ENOSPC) + "\n"}));
+}
+
+TEST_F(TraceFile, CutsAMessageWhereverItsLengthComesFrom) {
+    const std::string text(2000, 'x');
+    cmpnt_write_debug_log("error", "f", 1, "%s%s\n", text.c_str(), "more");
+    EXPECT_EQ(read_file(trace_path()).size(), 1023u);
+    cmpnt_write_debug_log("error", "f", 1, "%s%5d\n", text.c_str(), 1);
+    EXPECT_EQ(read_file(trace_path()).size(), 2046u);
+    cmpnt_write_debug_log("error", "f", 1, "%5d%s%d\n", 1, text.c_str(), 1);
+    EXPECT_EQ(read_file(trace_path()).size(), 3069u);
 }
 
 TEST_F(TraceFile, HasAnEmptyTimeWhenTheClockFails) {
