@@ -501,13 +501,15 @@ typedef int32_t (*cmpnt_line_handler)(void *record, char *line, cmpnt_file_param
 
 /* Reads the stream line by line, up to 1 MiB a line, into the handler. *line_buffer is a malloc block
  * of 1024 bytes that the reader may move as lines grow; it stays the caller's to free, and is null
- * after a failed realloc. The last line counts with or without a newline (without one the handler's
- * answer is not looked at). -1 for a read error, a longer line, a failed realloc, an answer of -4. */
+ * after a failed realloc, which loses the block. The last line counts with or without a newline
+ * (without one the handler's answer is not looked at). -1 for a read error, a longer line, a failed
+ * realloc, an answer of -4. */
 CMPNT_API int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *stream,
                                          char **line_buffer, cmpnt_file_param *param);
 
 /* Parses a control, status or file-list file into record, which is zeroed once the file is open. The
- * file must be writable. 0 also when what was looked for is not there: look at the record. */
+ * file must be writable. 0 also when what was looked for is not there: compare the record's name,
+ * for a last paragraph without a blank line behind it stays in the record whatever it is. */
 CMPNT_API int32_t parse_pkg_info_from_file(cmpnt_control_info *record, const char *path,
                                            cmpnt_file_param *param);
 
