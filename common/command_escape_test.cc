@@ -9,7 +9,7 @@ namespace {
 // "null" for a failure.
 std::string escape(const std::string &arguments) {
     char *escaped = cmpnt_replace_brackets_str(arguments.c_str());
-    const std::string text = escaped == nullptr ? "null" : escaped;
+    std::string text = escaped == nullptr ? "null" : escaped;
     free(escaped);
     return text;
 }

@@ -7,6 +7,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <initializer_list>
+
 // Child child([](Child &self) { ...; self.say(); self.wait_for_word(); return 0; });
 //
 // The work runs in the child, and what it returns is the exit status. say() and wait_for_word() are
