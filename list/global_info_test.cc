@@ -27,10 +27,6 @@ bool is_in_force(const std::string &state) {
            state == "invalid_hp_running";
 }
 
-bool same(const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
-    return memcmp(&a, &b, sizeof(a)) == 0;
-}
-
 }  // namespace
 
 class GlobalInfo : public DeviceTest {
@@ -48,7 +44,7 @@ TEST_F(GlobalInfo, InForceCopiesOnlyRecordsInForce) {
         const cmpnt_upgrade_value record = upgrade_record("smu", "pkg", "1.0", state);
         cmpnt_upgrade_value out = before;
         EXPECT_EQ(cmpnt_get_global_info(&out, &record, 1), 0);
-        EXPECT_TRUE(same(out, is_in_force(state) ? record : before)) << state;
+        EXPECT_TRUE(same_record(out, is_in_force(state) ? record : before)) << state;
     }
     EXPECT_FALSE(exists(trace_path()));
 }
@@ -59,7 +55,7 @@ TEST_F(GlobalInfo, TheOtherTypesCopyAnyRecord) {
             const cmpnt_upgrade_value record = upgrade_record("smu", "pkg", "1.0", state);
             cmpnt_upgrade_value out = before;
             EXPECT_EQ(cmpnt_get_global_info(&out, &record, type), 0);
-            EXPECT_TRUE(same(out, record)) << state;
+            EXPECT_TRUE(same_record(out, record)) << state;
         }
     }
 }
@@ -69,7 +65,7 @@ TEST_F(GlobalInfo, RejectsAnyOtherType) {
     for (const int32_t type : {0, 4, -1, INT32_MAX}) {
         cmpnt_upgrade_value out = before;
         EXPECT_EQ(cmpnt_get_global_info(&out, &record, type), -1);
-        EXPECT_TRUE(same(out, before));
+        EXPECT_TRUE(same_record(out, before));
         EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_get_global_info",
                            "newest_type(" + std::to_string(type) + ") error\n"));
     }
@@ -79,7 +75,7 @@ TEST_F(GlobalInfo, RefusesNull) {
     cmpnt_upgrade_value out = before;
     EXPECT_EQ(cmpnt_get_global_info(&out, nullptr, 2), -1);
     EXPECT_TRUE(logged("CLIENT_ERROR", "cmpnt_get_global_info", "param is null.\n"));
-    EXPECT_TRUE(same(out, before));
+    EXPECT_TRUE(same_record(out, before));
     forget_log();
     EXPECT_EQ(cmpnt_get_global_info(nullptr, &before, 2), -1);
     EXPECT_TRUE(logged("CLIENT_ERROR", "cmpnt_get_global_info", "param is null.\n"));

@@ -29,7 +29,7 @@ protected:
         EXPECT_EQ(found, untouched);
         cmpnt_upgrade_value before;
         memset(&before, 'o', sizeof(before));
-        EXPECT_EQ(memcmp(&out, &before, sizeof(out)), 0);
+        EXPECT_TRUE(same_record(out, before));
         return "";
     }
 
@@ -47,7 +47,7 @@ TEST_F(MaxVersion, CopiesTheWholeRecord) {
     add("other", "a", "1.0");
     add("wanted", "a", "1.1");
     EXPECT_EQ(newest("active"), "wanted");
-    EXPECT_EQ(memcmp(&out, &CMPNT_UPGRADE_NODE(cmpnt_upgrade_list.prev)->value, sizeof(out)), 0);
+    EXPECT_TRUE(same_record(out, CMPNT_UPGRADE_NODE(cmpnt_upgrade_list.prev)->value));
 }
 
 TEST_F(MaxVersion, LooksAtTheStateAlone) {

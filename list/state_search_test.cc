@@ -46,7 +46,7 @@ TEST_F(LookTargetState, CopiesTheFirstRecordInTheState) {
     add("second", "pkg", "running");
     EXPECT_EQ(cmpnt_look_target_state_form_list(&out, "running", 0), 1);
     cmpnt_list_head *second = cmpnt_upgrade_list.next->next;
-    EXPECT_EQ(memcmp(&out, &CMPNT_UPGRADE_NODE(second)->value, sizeof(out)), 0);
+    EXPECT_TRUE(same_record(out, CMPNT_UPGRADE_NODE(second)->value));
     const std::string message =
         "look found: smu(first), pkg(pkg), cur_ver(1.0), state(running), flag(-5)\n";
     EXPECT_EQ(trace_messages(), (std::vector<std::string>{"trace " + function + ": " + message}));
@@ -109,7 +109,7 @@ TEST_F(LookTargetState, RefusesNullAndLeavesTheAnswer) {
     const cmpnt_upgrade_value before = out;
     EXPECT_EQ(cmpnt_look_target_state_form_list(&out, nullptr, 0), 0);
     EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null.\n"));
-    EXPECT_EQ(memcmp(&out, &before, sizeof(out)), 0);
+    EXPECT_TRUE(same_record(out, before));
     forget_log();
     EXPECT_EQ(cmpnt_look_target_state_form_list(nullptr, "running", 0), 0);
     EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null.\n"));

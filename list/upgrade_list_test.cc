@@ -79,9 +79,9 @@ TEST_F(UpgradeList, InsertCopiesEveryByteAndTheRecordStaysTheCallers) {
     cmpnt_upgrade_value record = full_record();
     const cmpnt_upgrade_value before = record;
     ASSERT_EQ(insert_cmpnt_upgrade_db_to_list(&record, CMPNT_UPGRADE_LIST), 0);
-    EXPECT_EQ(memcmp(&record, &before, sizeof(record)), 0);
+    EXPECT_TRUE(same_record(record, before));
     memset(&record, 0, sizeof(record));
-    EXPECT_EQ(memcmp(&first_node(cmpnt_upgrade_list)->value, &before, sizeof(before)), 0);
+    EXPECT_TRUE(same_record(first_node(cmpnt_upgrade_list)->value, before));
 }
 
 TEST_F(UpgradeList, InsertTakesARecordOfItsOwnList) {

@@ -3,6 +3,7 @@
 #define CMPNT_TESTS_UPGRADE_RECORDS_HH
 
 #include <stdio.h>
+#include <string.h>
 
 #include <string>
 #include <vector>
@@ -27,6 +28,13 @@ inline cmpnt_upgrade_value upgrade_record(const std::string &patch_name,
     set_text(record.pkg_state_name, state);
     set_text(record.cur_pkg_path, path);
     return record;
+}
+
+// Whether the records are the same to the last byte, that of the padding included.
+inline bool same_record(const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    const void *first = &a;
+    const void *second = &b;
+    return memcmp(first, second, sizeof(a)) == 0;
 }
 
 // "PATCH PACKAGE VERSION" of each node.
