@@ -110,7 +110,9 @@ void change_by_hand(const char *path, const char *test, const char *change) {
 void write_with_library(benchmark::State &state, cmpnt_db_request request) {
     make_databases();
     for (auto _ : state) {
+        const double start = seconds_with_children();
         must(cmpnt_operate_pkg_database(&request, request.cmd) == 0, "write");
+        state.SetIterationTime(seconds_with_children() - start);
     }
 }
 
@@ -123,6 +125,7 @@ void change_auto_sync_row(benchmark::State &state) {
 void change_auto_sync_row_by_hand(benchmark::State &state) {
     make_databases();
     for (auto _ : state) {
+        const double start = seconds_with_children();
         const int lock = take_lock();
         change_by_hand(
             auto_sync_path, "select *from auto_sync_table where patch_name = 'SMU-50'",
@@ -133,6 +136,7 @@ void change_auto_sync_row_by_hand(benchmark::State &state) {
             "'CVE-2024-50', effective_time = '', last_patch = '', patch_size = '0', patch_type = "
             "'0', patch_order = '0' where patch_name = 'SMU-50'");
         close(lock);
+        state.SetIterationTime(seconds_with_children() - start);
     }
 }
 
@@ -152,11 +156,13 @@ void copy_by_popen() {
 void change_main_row_by_hand(benchmark::State &state) {
     make_databases();
     for (auto _ : state) {
+        const double start = seconds_with_children();
         const int lock = take_lock();
         change_by_hand(main_path, "select *from pkg_upgrade_table where patch_name = 'SMU-50'",
                        "update pkg_upgrade_table set pkg_state = 4 where patch_name = 'SMU-50'");
         copy_by_popen();
         close(lock);
+        state.SetIterationTime(seconds_with_children() - start);
     }
 }
 
@@ -225,10 +231,10 @@ void query_patch_by_hand(benchmark::State &state) {
     }
 }
 
-const bool added =
-    add_pair("database write", 1.05, change_auto_sync_row, change_auto_sync_row_by_hand) &&
-    add_pair("database write with its copy", 1.05, change_main_row, change_main_row_by_hand, 0,
-             BenchClock::wall) &&
-    add_pair("database query", 1.05, query_patch, query_patch_by_hand);
+const bool added = add_pair("database write", 1.05, change_auto_sync_row,
+                            change_auto_sync_row_by_hand, 0, BenchClock::manual) &&
+                   add_pair("database write with its copy", 1.05, change_main_row,
+                            change_main_row_by_hand, 0, BenchClock::manual) &&
+                   add_pair("database query", 1.05, query_patch, query_patch_by_hand);
 
 }  // namespace

@@ -1,6 +1,7 @@
 // Runs the pairs interleaved, so that a busy moment of the machine meets both sides, and prints the
 // ratio of the medians of each.
 #include <stdio.h>
+#include <sys/resource.h>
 
 #include <map>
 #include <string>
@@ -27,9 +28,7 @@ std::string raw_side(const std::string &name) { return name + "/raw"; }
 void add_side(const std::string &name, BenchWork work, long argument, BenchClock clock) {
     benchmark::internal::Benchmark *side = benchmark::RegisterBenchmark(name.c_str(), work);
     side->Arg(argument)->Unit(benchmark::kMicrosecond);
-    if (clock == BenchClock::wall) {
-        side->UseRealTime();
-    } else if (clock == BenchClock::manual) {
+    if (clock == BenchClock::manual) {
         side->UseManualTime();
     }
 }
@@ -73,7 +72,16 @@ private:
     std::map<std::string, Run> medians_;
 };
 
+double seconds_of(int whom) {
+    struct rusage usage = {};
+    getrusage(whom, &usage);
+    return static_cast<double>(usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) +
+           static_cast<double>(usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
 }  // namespace
+
+double seconds_with_children() { return seconds_of(RUSAGE_SELF) + seconds_of(RUSAGE_CHILDREN); }
 
 bool add_pair(const char *name, double target, BenchWork library, BenchWork raw, long argument,
               BenchClock clock) {

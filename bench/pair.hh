@@ -7,12 +7,15 @@
 
 using BenchWork = void (*)(benchmark::State &state);
 
-// What is compared: the thread's own time, which a busy machine disturbs least; the time that passes,
-// for work that waits for other processes; or what the work itself measured (SetIterationTime).
-enum class BenchClock { thread, wall, manual };
+// What is compared: the thread's own time, which a busy machine disturbs least, or what the work
+// itself measured (SetIterationTime).
+enum class BenchClock { thread, manual };
 
 // Call it from a static initialiser. state.range(0) is the argument, for works of several sizes.
 bool add_pair(const char *name, double target, BenchWork library, BenchWork raw, long argument = 0,
               BenchClock clock = BenchClock::thread);
+
+// The time spent by this process and the children that it waited for, for work that starts some.
+double seconds_with_children();
 
 #endif
