@@ -12,7 +12,8 @@ namespace {
 constexpr int32_t wall_clock = 2;
 enum { TO_THE_SECOND = 0, TO_THE_MICROSECOND = 1 };
 
-// Digits by hand: this runs for every trace line, and printf would be its largest cost.
+// The formats are "%04d-%02d-%02d %02d:%02d:%02d" and "%04d-%02d-%02d %02d:%02d:%02d-%06ld". Digits by
+// hand: this runs for every trace line, and printf would be its largest cost.
 char *put_number(char *out, int value, int width) {
     for (int i = width - 1; i >= 0; i--) {
         out[i] = static_cast<char>('0' + value % 10);

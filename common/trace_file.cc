@@ -84,7 +84,8 @@ void append_message(TraceLine &line, const char *format, va_list arguments) {
     }
 }
 
-// "[time, kind, function-line]" and the message, cut to the line.
+// "[%s, %s, %s-%d]" with the time, the kind, the function and its line, then the message, cut to the
+// line.
 void format_line(TraceLine &line, const char *kind, const char *function, int32_t number,
                  const char *format, va_list arguments) {
     line.bytes[0] = '[';
@@ -123,6 +124,7 @@ int open_trace_file(const char *path) {
     return create_trace_file(path);
 }
 
+// Into the file "%s/.%s.log": the directory, and the name of the calling thread.
 void append_to_trace_file(const TraceLine &line) {
     char name[16] = {};  // what the kernel has room for
     prctl(PR_GET_NAME, name);

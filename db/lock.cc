@@ -4,6 +4,7 @@
 #include <string.h>
 #include <unistd.h>
 
+#include "common/descriptor.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
 
@@ -14,11 +15,7 @@ constexpr char lock_path[] = "/tmp/.cmpnt_db_lock";
 // Never standard input, output or error: a command run redirects and closes those, and closing any
 // descriptor of the lock file would release the lock in the middle of an exchange.
 int open_lock_file() {
-    Descriptor file(open(lock_path, O_RDWR | O_CREAT | O_CLOEXEC, 0777));
-    if (!file || file.get() > STDERR_FILENO) {
-        return file.release();
-    }
-    return fcntl(file.get(), F_DUPFD_CLOEXEC, STDERR_FILENO + 1);
+    return clear_of_standard_streams(open(lock_path, O_RDWR | O_CREAT | O_CLOEXEC, 0777));
 }
 
 // Waits until the lock is granted; a signal does not end the wait.
