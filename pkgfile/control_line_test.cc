@@ -150,6 +150,9 @@ TEST_F(ControlLine, CutsTextsToTheirFields) {
         EXPECT_EQ(parse(test.field + (": " + text)), 0);
         EXPECT_STREQ(test.member, text.substr(0, test.size - 1).c_str());
     }
+    EXPECT_EQ(parse("Package: " + text.substr(0, 80)), 0);
+    EXPECT_STREQ(record.package, text.substr(0, 79).c_str());
+    EXPECT_STREQ(record.version, text.substr(0, 31).c_str());
     EXPECT_EQ(parse("Package: " + text.substr(0, 79)), 0);
     EXPECT_STREQ(record.package, text.substr(0, 79).c_str());
     EXPECT_TRUE(trace_messages().empty());

@@ -9,10 +9,10 @@ size_t held(const LineBlock &block) { return static_cast<size_t>(block.end - blo
 
 // Moves what is held to the front and reads more behind it; false when there is no room or no more.
 bool refill(LineBlock &block) {
-    const size_t kept = held(block);
-    if (kept == block.capacity || block.failed) {
+    if (block.failed) {
         return false;
     }
+    const size_t kept = held(block);
     memmove(block.text, block.next, kept);
     const ssize_t count = read(block.fd, block.text + kept, block.capacity - kept);
     block.failed = count < 0;
@@ -26,7 +26,7 @@ bool refill(LineBlock &block) {
 
 TextLine line_across_blocks(LineBlock &block, size_t longest) {
     const char *end = strchrnul(block.next, '\n');
-    if (end != block.end || held(block) > longest || !refill(block)) {
+    if (end != block.end || !refill(block)) {
         return {nullptr, 0};
     }
     return next_line_in_block(block, longest);
