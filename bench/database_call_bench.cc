@@ -186,8 +186,10 @@ void query_patch(benchmark::State &state) {
 
 template <size_t size>
 void copy_text(char (&field)[size], const char *text) {
-    const size_t length = strnlen(text == nullptr ? "" : text, size - 1);
-    memcpy(field, text, length);
+    const size_t length = text == nullptr ? 0 : strnlen(text, size - 1);
+    if (length > 0) {
+        memcpy(field, text, length);
+    }
     field[length] = '\0';
 }
 

@@ -102,6 +102,7 @@ int main(int count, char **arguments) {
     };
     options.insert(options.end(), arguments + 1, arguments + count);
     std::vector<char *> all;
+    all.reserve(options.size() + 1);
     for (std::string &option : options) {
         all.push_back(&option[0]);
     }
