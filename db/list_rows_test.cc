@@ -191,8 +191,9 @@ TEST_F(ListRows, OfManyRowsEachIsFoundInItsPlace) {
     const Texts records = records_of(cmpnt_upgrade_list);
     ASSERT_EQ(records.size(), 3000u);
     for (size_t i = 0; i < records.size(); i++) {
-        const std::string n = std::to_string(i);
-        EXPECT_EQ(records[i], "SMU-" + n + " pkg-" + n + " 1." + n);
+        char record[64];
+        snprintf(record, sizeof(record), "SMU-%zu pkg-%zu 1.%zu", i, i, i);
+        EXPECT_EQ(records[i], record);
     }
     EXPECT_TRUE(is_well_linked(cmpnt_upgrade_list));
     EXPECT_TRUE(trace_messages().empty());
@@ -207,7 +208,6 @@ TEST_F(ListRows, ARowWithoutMemoryIsSkippedAndTheLoadGoesOn) {
                           Case{CMPNT_ROWS_TO_HP_LIST, "cmpnt_add_upgrade_value_to_list"},
                           Case{CMPNT_ROWS_NOT_INSTALLED, "cmpnt_add_to_list_by_pkg_version"},
                           Case{CMPNT_ROWS_BY_PKG_NAME, "cmpnt_add_to_upgrade_list_by_pkg_name"}}) {
-        DeviceTest::SetUp();
         SetUp();
         add("SMU-1", "a", "1.0");
         add("SMU-2", "b", "2.0");

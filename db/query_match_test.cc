@@ -138,7 +138,7 @@ TEST_F(QueryMatch, ComparesTextsToTheLetter) {
 TEST_F(QueryMatch, ATextThatIsCutToItsFieldIsNotTheSame) {
     const std::string name(79, 'n');
     add_version("1.0", "patch_name", "'" + name + "n'");
-    strcpy(request.record.patch_name, name.c_str());
+    set_text(request.record.patch_name, name);
     EXPECT_EQ(ask(query_patch), 0);
     EXPECT_EQ(request.exist, 0);
 }

@@ -783,7 +783,8 @@ enum {
 
 /* Reads a whole table and hands every row to the mode's action. arg belongs to mode 5: its low byte
  * is the communication type, the next the device type. A missing file gives 0 and is not created. The
- * lists keep what they held. */
+ * lists keep what they held. A mode that is not listed does nothing and gives 0, but 7, 8 and 9, kept
+ * for loads that are not there yet, give -1. */
 CMPNT_API int32_t traverse_pkg_info_table(int32_t table, int32_t mode, uint32_t arg,
                                           int32_t db_type);
 CMPNT_API int32_t select_pkg_info_table(struct sqlite3 *db, int32_t table, int32_t mode,
