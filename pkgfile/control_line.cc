@@ -1,11 +1,11 @@
 // One line of a control, status or file-list file into the control record.
 #include "pkgfile/control_line.hh"
 
-#include <stdlib.h>
 #include <string.h>
 
 #include "common/log.hh"
 #include "pkgfile/field.hh"
+#include "pkgfile/number.hh"
 #include "pkgfile/stream_reader.hh"
 
 namespace {
@@ -65,38 +65,6 @@ constexpr FirstRows first_rows = find_first_rows();
 
 char lower_case(char letter) { return static_cast<char>(letter | 0x20); }
 
-// As strtol of the device, whose long has 32 bits.
-int32_t to_signed(const char *text) {
-    const long long number = strtoll(text, nullptr, 10);
-    return number > INT32_MAX ? INT32_MAX
-                              : static_cast<int32_t>(number < INT32_MIN ? INT32_MIN : number);
-}
-
-uint32_t digit_of(char c) {
-    const char letter = lower_case(c);
-    return c >= '0' && c <= '9'             ? static_cast<uint32_t>(c - '0')
-           : letter >= 'a' && letter <= 'f' ? static_cast<uint32_t>(letter - 'a' + 10)
-                                            : UINT32_MAX;
-}
-
-// As strtoul of the device, in the base of the prefix; newer libraries would know more prefixes.
-uint32_t to_unsigned(const char *text) {
-    const bool negative = *text == '-';
-    if (negative || *text == '+') {
-        text++;
-    }
-    const bool hexadecimal = text[0] == '0' && lower_case(text[1]) == 'x';
-    const uint32_t base = hexadecimal ? 16 : text[0] == '0' ? 8 : 10;
-    uint64_t number = 0;
-    for (text += hexadecimal ? 2 : 0; digit_of(*text) < base; text++) {
-        number = number * base + digit_of(*text);
-        if (number > UINT32_MAX) {
-            return UINT32_MAX;
-        }
-    }
-    return negative ? 0u - static_cast<uint32_t>(number) : static_cast<uint32_t>(number);
-}
-
 bool value_of(TextLine line, size_t name_length, FieldValue &value) {
     value = field_value(line.text, line.length, name_length);
     if (value.length > 0) {
@@ -155,9 +123,9 @@ int32_t take_field(const ControlField &field, TextLine line, int32_t mode,
         return handler_stop;
     }
     if (field.kind == Kind::signed_number) {
-        *static_cast<int32_t *>(member) = to_signed(value.text);
+        *static_cast<int32_t *>(member) = decimal_number(value.text);
     } else {
-        *static_cast<uint32_t *>(member) = to_unsigned(value.text);
+        *static_cast<uint32_t *>(member) = prefixed_number(value.text);
     }
     return 0;
 }

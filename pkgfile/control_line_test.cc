@@ -68,71 +68,13 @@ TEST_F(ControlLine, FillsTheNumbersOfTheRecord) {
     EXPECT_EQ(record.installed_time, 4000000000u);
 }
 
-TEST_F(ControlLine, ReadsIsRebootAsADecimalOf32Bits) {
-    struct {
-        const char *text;
-        int32_t number;
-    } const cases[] = {
-        {"-5", -5},
-        {"010", 10},
-        {"0x10", 0},
-        {"12 monkeys", 12},
-        {"yes", 0},
-        {"+3", 3},
-        {"2147483647", INT32_MAX},
-        {"2147483648", INT32_MAX},
-        {"-2147483648", INT32_MIN},
-        {"-2147483649", INT32_MIN},
-        {"99999999999999999999999", INT32_MAX},
-        {"-99999999999999999999999", INT32_MIN},
-    };
-    for (const auto &test : cases) {
-        EXPECT_EQ(parse(std::string("Is_reboot: ") + test.text), 0);
-        EXPECT_EQ(record.is_reboot, test.number) << test.text;
-    }
-}
-
-TEST_F(ControlLine, ReadsSizesInTheBaseOfTheirPrefix) {
-    struct {
-        const char *text;
-        uint32_t number;
-    } const cases[] = {
-        {"42", 42},
-        {"010", 8},
-        {"08", 0},
-        {"0x10", 16},
-        {"0XfF", 255},
-        {"0x", 0},
-        {"0xg", 0},
-        {"0b11", 0},
-        {"0", 0},
-        {"12 kB", 12},
-        {"kB", 0},
-        {"+7", 7},
-        {"- 5", 0},
-        {"--5", 0},
-        {"-+5", 0},
-        {"-", 0},
-        {"-0x10", 0u - 16},
-        {"-1", UINT32_MAX},
-        {"-2", UINT32_MAX - 1},
-        {"-4294967295", 1},
-        {"4294967295", UINT32_MAX},
-        {"4294967296", UINT32_MAX},
-        {"5000000000", UINT32_MAX},
-        {"-4294967296", UINT32_MAX},
-        {"99999999999999999999999", UINT32_MAX},
-        {"-99999999999999999999999", UINT32_MAX},
-        {"0x1ffffffff", UINT32_MAX},
-    };
-    for (const auto &test : cases) {
-        for (const char *field : {"Installed-Size: ", "Installed-Time: "}) {
-            record.installed_size = record.installed_time = 77;
-            EXPECT_EQ(parse(std::string(field) + test.text), 0);
-            EXPECT_EQ(field[10] == 'S' ? record.installed_size : record.installed_time, test.number)
-                << field << test.text;
-        }
-    }
+TEST_F(ControlLine, ReadsIsRebootAsADecimalAndSizesInTheBaseOfTheirPrefix) {
+    EXPECT_EQ(parse("Is_reboot: -010"), 0);
+    EXPECT_EQ(parse("Installed-Size: 010 kB"), 0);
+    EXPECT_EQ(parse("Installed-Time: 0x10"), 0);
+    EXPECT_EQ(record.is_reboot, -10);
+    EXPECT_EQ(record.installed_size, 8u);
+    EXPECT_EQ(record.installed_time, 16u);
 }
 
 TEST_F(ControlLine, CutsTextsToTheirFields) {
