@@ -39,7 +39,8 @@ inline constexpr LogChannel show_history = {"CMPNT_HISTORY", "INFO", 0, nullptr}
 inline constexpr int32_t syslog_priority = 6;
 
 inline bool log_is_on(const LogChannel &channel) {
-    return (g_cmpnt_dbg_level & channel.mask) == channel.mask;
+    const uint32_t level = __atomic_load_n(&g_cmpnt_dbg_level, __ATOMIC_RELAXED);
+    return (level & channel.mask) == channel.mask;
 }
 
 // The role is read anew for each message: it may change between two of one function.

@@ -1,7 +1,6 @@
 // Removing the directories of SMUs that are installed only, or not current.
 #include "db/clear.hh"
 
-#include <stdio.h>
 #include <string.h>
 
 #include "common/log.hh"
@@ -52,9 +51,8 @@ int select_clear_callback(void *argument, int columns, char **values, char **nam
               request.record.patch_name, request.record.cur_pkg_path,
               static_cast<int>(types & 0xFF), static_cast<int>(types >> 8 & 0xFF));
     char directory[CMPNT_PATH_SIZE];
-    snprintf(directory, sizeof(directory), "%s", request.record.cur_pkg_path);
-    get_path_exclude_file_name(directory);
-    if (strstr(last_component(directory), download_mark) == nullptr) {
+    directory_of(request.record.cur_pkg_path, directory);
+    if (strstr(last_component(directory), download_mark) == nullptr && !is_root(directory)) {
         CMPNT_LOG(log_trace, "prepare delete file(%s)\n", directory);
         cmpnt_remove(directory);
     }

@@ -184,6 +184,29 @@ TEST_F(ClearTest, TakesAPathWithoutADirectoryForTheDirectory) {
     ASSERT_EQ(chdir("/"), 0);
 }
 
+// A second slash leaves the directory what it is: protected, and never the root.
+TEST_F(ClearTest, LooksThroughDoubledSlashes) {
+    write_file("/opt/download/a", "stays");
+    write_file("/opt/SMU-2/a", "goes");
+    add("SMU-1", "/opt/download//a");
+    add("SMU-2", "/opt/SMU-2///a");
+    add("SMU-3", "//a");
+    EXPECT_EQ(clear(), 0);
+    EXPECT_TRUE(exists("/opt/download/a"));
+    EXPECT_FALSE(exists("/opt/SMU-2"));
+    EXPECT_EQ(traced("trace", "select_clear_callback", "prepare delete file(/opt/SMU-2)\n"), 1);
+    EXPECT_EQ(traced("trace", "select_clear_callback", "prepare delete file(/)\n"), 0);
+}
+
+TEST_F(ClearTest, TakesThePathsThatJustFit) {
+    const std::string fitting = "/opt/" + std::string(200, 'd') + "/" + std::string(53, 'f');
+    ASSERT_EQ(fitting.size(), 259u);
+    add_file("SMU-1", fitting);
+    add_file("SMU-2", "/opt/" + std::string(200, 'e') + "/" + std::string(54, 'f'));
+    EXPECT_EQ(clear(), 0);
+    EXPECT_EQ(names_in("/opt"), (Texts{std::string(200, 'e')}));
+}
+
 // What is left of a cut path could name a directory that belongs to all.
 TEST_F(ClearTest, LeavesAPathThatDoesNotFitAlone) {
     write_file("/opt/all/of/them", "stays");

@@ -112,8 +112,8 @@ protected:
             struct flock probe = {};
             probe.l_type = F_WRLCK;
             probe.l_whence = SEEK_SET;
-            fcntl(open("/tmp/.cmpnt_db_lock", O_RDWR), F_GETLK, &probe);
-            return probe.l_type == F_WRLCK ? 1 : 0;
+            const int fd = open("/tmp/.cmpnt_db_lock", O_RDWR);
+            return fd >= 0 && fcntl(fd, F_GETLK, &probe) == 0 && probe.l_type == F_WRLCK ? 1 : 0;
         });
         return prober.wait() == 1;
     }

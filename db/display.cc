@@ -74,9 +74,11 @@ void print_cell(int width, const char *text) {
         case 32:
             cli_printf("%-32.32s", text);
             break;
-        default:
+        case 36:
             cli_printf("%-36.36s", text);
             break;
+        default:
+            break;  // no view has another width
     }
 }
 

@@ -50,7 +50,7 @@ RowKey row_key(const cmpnt_db_request &request) {
     }
 }
 
-void format_select(char (&sql)[statement_size], const cmpnt_db_request &request) {
+void format_row_test(char (&sql)[statement_size], const cmpnt_db_request &request) {
     const RowKey key = row_key(request);
     const char *table = table_name(request.table);
     if (key.first.column == nullptr) {
@@ -79,6 +79,6 @@ int note_row(void *exists, int, char **, char **) {
 int32_t pkg_name_is_exist_in_db(sqlite3 *db, const cmpnt_db_request *request, int32_t *exists) {
     *exists = 0;
     char sql[statement_size] = {};
-    format_select(sql, *request);
+    format_row_test(sql, *request);
     return run_statement(db, sql, __func__, note_row, exists);
 }

@@ -7,11 +7,25 @@ namespace {
 
 enum class Step { nothing, insert, update, delete_by_name, delete_record, test, report_absence };
 
+// What a failed action is reported as.
+enum class Failure {
+    insert,
+    update,
+    delete_by_name,
+    delete_record,
+    test,
+    absence,
+    sync_insert,
+    sync_update,
+    time,
+    last_patch
+};
+
 struct Action {
     Step step;
     UpdateForm update;
     DeleteForm deletion;
-    const char *failure;
+    Failure failure;
 };
 
 // What a code does where the row is there, and where it is not.
@@ -21,25 +35,22 @@ struct Operation {
     Action absent;
 };
 
-constexpr char insert_failed[] = "insert pkg info table fail.\n";
-constexpr char update_failed[] = "update pkg info table fail.\n";
-
-constexpr Action plain(Step step, const char *failure) { return {step, {}, {}, failure}; }
-constexpr Action updating(UpdateForm form, const char *failure = update_failed) {
+constexpr Action plain(Step step, Failure failure) { return {step, {}, {}, failure}; }
+constexpr Action updating(UpdateForm form, Failure failure = Failure::update) {
     return {Step::update, form, {}, failure};
 }
 constexpr Action deleting(DeleteForm form) {
-    return {Step::delete_record, {}, form, "delete_table_record_from_db fail.\n"};
+    return {Step::delete_record, {}, form, Failure::delete_record};
 }
 
-constexpr Action nothing = plain(Step::nothing, nullptr);
-constexpr Action inserting = plain(Step::insert, insert_failed);
-constexpr Action testing = plain(Step::test, "pkg_name_is_exist_in_db fail.\n");
+constexpr Action nothing = plain(Step::nothing, Failure::absence);
+constexpr Action inserting = plain(Step::insert, Failure::insert);
+constexpr Action testing = plain(Step::test, Failure::test);
 
 constexpr Operation operations[] = {
     {write_insert, nothing, inserting},
     {write_row, updating(UpdateForm::row), inserting},
-    {write_delete_by_name, plain(Step::delete_by_name, "del pkg info table fail.\n"), nothing},
+    {write_delete_by_name, plain(Step::delete_by_name, Failure::delete_by_name), nothing},
     {write_last_version, updating(UpdateForm::last_version), nothing},
     {write_state, updating(UpdateForm::state), nothing},
     {write_row_by_path, updating(UpdateForm::row), inserting},
@@ -50,7 +61,7 @@ constexpr Operation operations[] = {
     {write_cur_flag_of_version, updating(UpdateForm::cur_flag_of_version), nothing},
     {write_test_pkg_name, testing, testing},
     {write_state_of_package_in_patch, updating(UpdateForm::state_of_package_in_patch),
-     plain(Step::report_absence, nullptr)},
+     plain(Step::report_absence, Failure::absence)},
     {write_delete_record, deleting(DeleteForm::name), nothing},
     {write_delete_record_by_path, deleting(DeleteForm::patch_and_path), nothing},
     {write_path, updating(UpdateForm::path), updating(UpdateForm::path)},
@@ -60,11 +71,11 @@ constexpr Operation operations[] = {
     {write_test_row, testing, testing},
     {write_card_id_of_all, updating(UpdateForm::card_id_of_all),
      updating(UpdateForm::card_id_of_all)},
-    {write_sync_flag, updating(UpdateForm::sync_flag, "update server sync flag fail.\n"),
-     plain(Step::insert, "insert server sync table fail.\n")},
+    {write_sync_flag, updating(UpdateForm::sync_flag, Failure::sync_update),
+     plain(Step::insert, Failure::sync_insert)},
     {write_delete_sync, deleting(DeleteForm::sync_id), nothing},
-    {write_effective_time, updating(UpdateForm::effective_time, "update time fail.\n"), nothing},
-    {write_last_patch, updating(UpdateForm::last_patch, "update last patch fail.\n"), nothing},
+    {write_effective_time, updating(UpdateForm::effective_time, Failure::time), nothing},
+    {write_last_patch, updating(UpdateForm::last_patch, Failure::last_patch), nothing},
     {write_target_pkg_path, updating(UpdateForm::target_pkg_path), nothing},
 };
 
@@ -97,6 +108,43 @@ int32_t act(sqlite3 *db, cmpnt_db_request *request, const Action &action) {
     }
 }
 
+// Messages stand where they are logged from, for the system log takes their formats.
+void report(const char *function, Failure failure, const cmpnt_pkg_record &record) {
+    switch (failure) {
+        case Failure::insert:
+            CMPNT_LOG_AS(log_error, function, "insert pkg info table fail.\n");
+            break;
+        case Failure::update:
+            CMPNT_LOG_AS(log_error, function, "update pkg info table fail.\n");
+            break;
+        case Failure::delete_by_name:
+            CMPNT_LOG_AS(log_error, function, "del pkg info table fail.\n");
+            break;
+        case Failure::delete_record:
+            CMPNT_LOG_AS(log_error, function, "delete_table_record_from_db fail.\n");
+            break;
+        case Failure::test:
+            CMPNT_LOG_AS(log_error, function, "pkg_name_is_exist_in_db fail.\n");
+            break;
+        case Failure::absence:
+            CMPNT_LOG_AS(log_error, function, "patch_name(%s), pkg_name(%s) is not exist in db.\n",
+                         record.patch_name, record.pkg_name);
+            break;
+        case Failure::sync_insert:
+            CMPNT_LOG_AS(log_error, function, "insert server sync table fail.\n");
+            break;
+        case Failure::sync_update:
+            CMPNT_LOG_AS(log_error, function, "update server sync flag fail.\n");
+            break;
+        case Failure::time:
+            CMPNT_LOG_AS(log_error, function, "update time fail.\n");
+            break;
+        case Failure::last_patch:
+            CMPNT_LOG_AS(log_error, function, "update last patch fail.\n");
+            break;
+    }
+}
+
 }  // namespace
 
 int32_t operate_pkg_info_table(sqlite3 *db, cmpnt_db_request *request, int32_t command,
@@ -109,12 +157,7 @@ int32_t operate_pkg_info_table(sqlite3 *db, cmpnt_db_request *request, int32_t c
     if (act(db, request, action) == 0) {
         return 0;
     }
-    if (action.step == Step::report_absence) {
-        CMPNT_LOG(log_error, "patch_name(%s), pkg_name(%s) is not exist in db.\n",
-                  request->record.patch_name, request->record.pkg_name);
-    } else {
-        CMPNT_LOG(log_error, "%s", action.failure);
-    }
+    report(__func__, action.failure, request->record);
     return -1;
 }
 

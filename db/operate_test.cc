@@ -1,5 +1,8 @@
+#include <fcntl.h>
 #include <string.h>
 
+#include "db/write.hh"
+#include "tests/support/child.hh"
 #include "tests/support/device_test.hh"
 #include "tests/support/sqlite.hh"
 
@@ -483,6 +486,31 @@ TEST_F(Operate, RefreshesTheBackupAfterAFailureAndATestToo) {
     sql(main_db, "drop table pkg_upgrade_table");
     EXPECT_EQ(on_upgrade(1, "p", "a"), -1);
     EXPECT_EQ(read_file(backup_db), read_file(main_db));
+}
+
+// The copy is of one moment: nobody else writes while it is made, and the file is closed.
+TEST_F(Operate, CopiesUnderTheLockWithTheFileClosed) {
+    add_rows();
+    remove_tree("/data/cmpnt");
+    write_file("/data/cmpnt", "in the way of the copy");
+    static bool was_locked;
+    static int closes;
+    was_locked = false;
+    fault::reset();
+    platform.on_syslog = [] {
+        platform.on_syslog = nullptr;
+        closes = fault::calls("sqlite3_close");
+        Child other([](Child &) {
+            const int fd = open("/tmp/.cmpnt_db_lock", O_RDWR);
+            struct flock lock = {};
+            lock.l_type = F_WRLCK;
+            return fd < 0 ? 2 : fcntl(fd, F_SETLK, &lock) == 0 ? 0 : 1;
+        });
+        was_locked = other.wait() == 1;
+    };
+    EXPECT_EQ(on_upgrade(write_test_row, "p", "a"), 0);
+    EXPECT_TRUE(was_locked);
+    EXPECT_EQ(closes, 1);
 }
 
 TEST_F(Operate, DoesNotCareForAFailedBackup) {

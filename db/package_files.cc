@@ -33,8 +33,7 @@ int32_t cmpnt_delete_pkg_by_path(const char *path) {
     if (strlen(path) >= sizeof(directory)) {
         return -1;
     }
-    snprintf(directory, sizeof(directory), "%s", path);
-    get_path_exclude_file_name(directory);
+    directory_of(path, directory);
     CMPNT_LOG(log_client_trace, "delete ready: get path(%s)\n", directory);
     const char *directory_name = last_component(directory);
     if (strstr(directory_name, "download") != nullptr) {

@@ -57,6 +57,16 @@ TEST_F(PackageFiles, OfAnUpgradeAreItsWholeDirectory) {
     }
 }
 
+TEST_F(PackageFiles, AreFoundBehindDoubledSlashes) {
+    write_file("/tmp/download/a.bin", "x");
+    write_file("/tmp/download/b.bin", "x");
+    write_file("/tmp/smu.single/a.deb", "x");
+    EXPECT_EQ(cmpnt_delete_pkg_by_path("/tmp/download//a.bin"), 0);
+    EXPECT_EQ(names_in("/tmp/download"), (Texts{"b.bin"}));
+    EXPECT_EQ(cmpnt_delete_pkg_by_path("/tmp/smu.single//a.deb"), 0);
+    EXPECT_FALSE(exists("/tmp/smu.single"));
+}
+
 TEST_F(PackageFiles, ElsewhereStay) {
     for (const char *path :
          {"/tmp/plain/a.bin", "/tmp/x.single/plain/a.bin", "/tmp/download/plain/a.bin",

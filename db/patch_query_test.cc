@@ -76,9 +76,9 @@ TEST_F(PatchQuery, FailsWithoutATable) {
 TEST_F(PatchQuery, RefusesNullAndLeavesTheRequest) {
     const cmpnt_db_request before = request;
     EXPECT_EQ(cmpnt_get_db_by_patch(&request, nullptr), -1);
-    EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null\n"));
+    EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null.\n"));
     EXPECT_EQ(memcmp(&request, &before, sizeof(request)), 0);
     forget_log();
     EXPECT_EQ(cmpnt_get_db_by_patch(nullptr, "first"), -1);
-    EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null\n"));
+    EXPECT_TRUE(logged("CMPNT_ERROR", function, "param is null.\n"));
 }

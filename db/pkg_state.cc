@@ -5,7 +5,7 @@
 
 int32_t cmpnt_get_pkg_state(cmpnt_db_request *req, int32_t table, int32_t cmd) {
     if (req == nullptr) {
-        CMPNT_LOG(log_error, "param is null\n");
+        CMPNT_LOG(log_error, "param is null.\n");
         return -1;
     }
     memset(req, 0, sizeof(*req));  // no name to look for, the main file, nothing found yet

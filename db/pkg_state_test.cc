@@ -70,6 +70,6 @@ TEST_F(PkgState, FailsWithTheQuery) {
 
 TEST_F(PkgState, RefusesNull) {
     EXPECT_EQ(cmpnt_get_pkg_state(nullptr, CMPNT_PKG_UPGRADE_TABLE, 10), -1);
-    EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_get_pkg_state", "param is null\n"));
+    EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_get_pkg_state", "param is null.\n"));
     EXPECT_EQ(fault::calls("sqlite3_open"), 3);  // those that made the tables
 }

@@ -5,12 +5,7 @@
 namespace {
 
 int32_t delete_records(const char *patch_name, int32_t db_type, int32_t table) {
-    cmpnt_db_request request = {};
-    request.table = table;
-    request.cmd = write_delete_record;
-    request.db_type = db_type;
-    set_upgrade_db_value(&request.record, patch_name, nullptr, nullptr, nullptr, nullptr, 0, 0, 0,
-                         0, nullptr);
+    cmpnt_db_request request = request_for_patch(table, write_delete_record, db_type, patch_name);
     return cmpnt_operate_pkg_database(&request, write_delete_record);
 }
 

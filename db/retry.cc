@@ -13,6 +13,13 @@ bool is_locked(const SqliteError &error) {
     return error && strstr(error.get(), "database is locked") != nullptr;
 }
 
+// All of it, also where the host's timers interrupt it.
+void pause_for_a_second() {
+    for (unsigned rest = 1; rest > 0;) {
+        rest = sleep(rest);
+    }
+}
+
 }  // namespace
 
 int32_t cmpnt_sqlite3_exec(sqlite3 *db, const char *sql) {
@@ -25,7 +32,7 @@ int32_t cmpnt_sqlite3_exec(sqlite3 *db, const char *sql) {
         if (!is_locked(error) || attempt == attempt_limit) {
             break;
         }
-        sleep(1);
+        pause_for_a_second();
     }
     CMPNT_LOG(log_error, "cmpnt_sqlite3_exec fail\n");
     return -1;

@@ -48,6 +48,7 @@ TEST_F(Retry, TriesALockedFileSixTimesASecondApart) {
     EXPECT_EQ(cmpnt_sqlite3_exec(connection.db(), statement), -1);
     EXPECT_EQ(fault::calls("sqlite3_exec"), 6);
     EXPECT_EQ(fault::calls("sleep"), 5);
+    EXPECT_EQ(fault::slept(), 5u);
     EXPECT_EQ(traced("error", "cmpnt_sqlite3_exec", locked), 6);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", locked));
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", gave_up));

@@ -84,7 +84,10 @@ void format_select(char (&sql)[select_size], int32_t table) {
 }
 
 int32_t select_pkg_info_table(sqlite3 *db, int32_t table, int32_t mode, uint32_t arg) {
-    if (db == nullptr || (mode >= first_missing_mode && mode <= last_missing_mode)) {
+    if (db == nullptr) {
+        return -1;
+    }
+    if (mode >= first_missing_mode && mode <= last_missing_mode) {
         return -1;
     }
     const RowMode *known = find_mode(mode);

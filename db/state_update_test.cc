@@ -77,8 +77,11 @@ TEST_F(StateUpdate, OfABasePackageWorksOnlyWithoutABaseVersion) {
 TEST_F(StateUpdate, OfAnotherTableChangesNothing) {
     create_tables();
     for (const int32_t table : {3, 0, 5, -1}) {
-        cmpnt_update_state_database("smu", "bare", CMPNT_STATE_RUNNING, table);
+        EXPECT_EQ(cmpnt_update_state_database("smu", "bare", CMPNT_STATE_RUNNING, table), 0)
+            << table;
     }
+    // The main file has no auto_sync_table to look into.
+    EXPECT_EQ(cmpnt_update_state_database("smu", "bare", CMPNT_STATE_RUNNING, 4), -1);
     EXPECT_EQ(upgrade_states(), (Rows{{"smu", "a", "2"}, {"smu", "b", "4"}, {"other", "a", "2"}}));
     EXPECT_EQ(base_states(), (Rows{{"based", "2"}, {"bare", "2"}, {"bare", "2"}}));
 }

@@ -173,7 +173,7 @@ TEST_F(TraverseTest, HoldsTheLockWhileRowsAreReadAndReleasesIt) {
             const int fd = open("/tmp/.cmpnt_db_lock", O_RDWR);
             struct flock lock = {};
             lock.l_type = F_WRLCK;
-            return fcntl(fd, F_SETLK, &lock) == 0 ? 0 : 1;
+            return fd < 0 ? 2 : fcntl(fd, F_SETLK, &lock) == 0 ? 0 : 1;
         });
         was_locked = other.wait() == 1;
     };

@@ -7,11 +7,8 @@ int32_t cmpnt_update_time_by_patch(const char *patch_name, const char *time) {
         CMPNT_LOG(log_error, "param is null.\n");
         return -1;
     }
-    cmpnt_db_request request = {};
-    request.table = CMPNT_PKG_UPGRADE_TABLE;
-    request.cmd = write_effective_time;
-    set_upgrade_db_value(&request.record, patch_name, nullptr, nullptr, nullptr, nullptr, 0, 0, 0,
-                         0, nullptr);
+    cmpnt_db_request request =
+        request_for_patch(CMPNT_PKG_UPGRADE_TABLE, write_effective_time, CMPNT_DB_MAIN, patch_name);
     cmpnt_single_patch_value value = {};
     if (time != nullptr) {
         cmpnt_snprintf(value.effective_time, sizeof(value.effective_time), "%s", time);

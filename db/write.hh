@@ -60,6 +60,10 @@ enum class UpdateForm {
 // What a delete looks for. A form that a table has no statement for deletes nothing and succeeds.
 enum class DeleteForm { name, patch_and_path, sync_id };
 
+// A request that names a patch, and nothing else of its record.
+cmpnt_db_request request_for_patch(int32_t table, int32_t cmd, int32_t db_type,
+                                   const char *patch_name);
+
 // Tells whether the row that the request names is there, by the request's own operation code.
 int32_t pkg_name_is_exist_in_db(sqlite3 *db, const cmpnt_db_request *request, int32_t *exists);
 

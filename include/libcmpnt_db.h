@@ -191,9 +191,9 @@ CMPNT_API void cmpnt_free_file_name(file_name_list *record);
 
 /* ==== Common runtime: files ================================================================ */
 
-CMPNT_API int32_t cmpnt_close(int32_t fd);     /* a negative fd gives -1 without a call */
-CMPNT_API int32_t cmpnt_fclose(FILE *stream);  /* null gives -1 */
-CMPNT_API int32_t cmpnt_sync(void);            /* flushes all file systems; 0 */
+CMPNT_API int32_t cmpnt_close(int32_t fd);    /* a negative fd gives -1 without a call */
+CMPNT_API int32_t cmpnt_fclose(FILE *stream); /* null gives -1 */
+CMPNT_API int32_t cmpnt_sync(void);           /* flushes all file systems; 0 */
 CMPNT_API int32_t cmpnt_fsync(int32_t fd);
 
 /* Adds status flags (O_NONBLOCK ...) to the stream's descriptor. 0 also when adding them fails. */
@@ -372,7 +372,7 @@ typedef struct cmpnt_upgrade_node {
 } cmpnt_upgrade_node;
 
 /* The node that a link belongs to. */
-#define CMPNT_UPGRADE_NODE(link_pointer) \
+#define CMPNT_UPGRADE_NODE(link_pointer)                                                           \
     ((cmpnt_upgrade_node *)(void *)((char *)(link_pointer)-offsetof(cmpnt_upgrade_node, link)))
 
 /* Make a head empty, whatever it held; nodes are not freed (recycle first). */
@@ -460,12 +460,12 @@ CMPNT_API void set_file_param(cmpnt_file_param *param, int32_t mode, intptr_t na
 
 /* Modes of cmpnt_parse_line. */
 enum {
-    CMPNT_PARSE_STATUS_TO_DB = 1,   /* each package of a status file through the statement */
-    CMPNT_PARSE_ONE_PARAGRAPH = 2,  /* the first paragraph */
-    CMPNT_PARSE_FIND_PACKAGE = 3,   /* the paragraph of the package named */
-    CMPNT_PARSE_BACKUP_FILES = 4,   /* back up each path that a file list names */
-    CMPNT_PARSE_ONE_FIELD = 5,      /* the first line that begins with the name, into md5_sum */
-    READ_PKG_INFO_FROM_CONTROL = 6  /* an SMU's or patch's control file, with Serial and Card_type */
+    CMPNT_PARSE_STATUS_TO_DB = 1,  /* each package of a status file through the statement */
+    CMPNT_PARSE_ONE_PARAGRAPH = 2, /* the first paragraph */
+    CMPNT_PARSE_FIND_PACKAGE = 3,  /* the paragraph of the package named */
+    CMPNT_PARSE_BACKUP_FILES = 4,  /* back up each path that a file list names */
+    CMPNT_PARSE_ONE_FIELD = 5,     /* the first line that begins with the name, into md5_sum */
+    READ_PKG_INFO_FROM_CONTROL = 6 /* an SMU's or patch's control file, with Serial and Card_type */
 };
 
 /* One paragraph of a control or status file. serial and card_type are owned by whoever owns the
@@ -616,10 +616,10 @@ enum {
 
 /* Database files. Any other selector opens the main file. */
 enum {
-    CMPNT_DB_MAIN = 0,      /* /var/lib/opkg/cmpnt_upgrade.db3 */
-    CMPNT_DB_SERVER = 1,    /* TMPDIR/opkg/server/.cmpnt_server.db3 */
-    CMPNT_DB_BACKUP = 2,    /* /data/cmpnt/opkg/cmpnt_upgrade_backup.db3 */
-    CMPNT_DB_AUTO_SYNC = 3  /* /var/lib/opkg/cmpnt_auto_sync.db3 */
+    CMPNT_DB_MAIN = 0,     /* /var/lib/opkg/cmpnt_upgrade.db3 */
+    CMPNT_DB_SERVER = 1,   /* TMPDIR/opkg/server/.cmpnt_server.db3 */
+    CMPNT_DB_BACKUP = 2,   /* /data/cmpnt/opkg/cmpnt_upgrade_backup.db3 */
+    CMPNT_DB_AUTO_SYNC = 3 /* /var/lib/opkg/cmpnt_auto_sync.db3 */
 };
 
 /* Package states, as stored. */
@@ -722,7 +722,8 @@ CMPNT_API void set_upgrade_db_value(cmpnt_pkg_record *rec, const char *patch_nam
                                     const char *cur_version, const char *last_version,
                                     int32_t pkg_state, int32_t card_id, int32_t cur_flag,
                                     int32_t op_flag, const char *description);
-CMPNT_API void set_single_patch_db_value(cmpnt_pkg_record *rec, const cmpnt_single_patch_value *val);
+CMPNT_API void set_single_patch_db_value(cmpnt_pkg_record *rec,
+                                         const cmpnt_single_patch_value *val);
 
 /* Takes the lock that every database operation holds from before the open to after the close, waiting
  * as long as it takes, and returns its descriptor; close it with cmpnt_close to release the lock. -1
@@ -773,12 +774,13 @@ enum {
     CMPNT_ROWS_SHOW_ALL = 0,
     CMPNT_ROWS_SHOW_ACTIVE = 1,
     CMPNT_ROWS_SHOW_RUNNING = 2,
-    CMPNT_ROWS_BY_PKG_NAME = 3,      /* cmpnt_add_to_upgrade_list_by_pkg_name */
-    CMPNT_ROWS_TO_UPGRADE_LIST = 4,  /* cmpnt_add_upgrade_value_to_list, upgrade list */
-    CMPNT_ROWS_CLEAR = 5,            /* removes the directories of SMUs no longer needed */
-    CMPNT_ROWS_NOT_INSTALLED = 6,    /* cmpnt_add_to_list_by_pkg_version */
+    CMPNT_ROWS_BY_PKG_NAME = 3,     /* cmpnt_add_to_upgrade_list_by_pkg_name */
+    CMPNT_ROWS_TO_UPGRADE_LIST = 4, /* cmpnt_add_upgrade_value_to_list, upgrade list */
+    CMPNT_ROWS_CLEAR = 5,           /* removes the directories of SMUs no longer needed, but for
+                                        those of paths of 260 bytes or more */
+    CMPNT_ROWS_NOT_INSTALLED = 6,   /* cmpnt_add_to_list_by_pkg_version */
     CMPNT_ROWS_NOTHING = 10,
-    CMPNT_ROWS_TO_HP_LIST = 11       /* cmpnt_add_upgrade_value_to_list, hot-patch list */
+    CMPNT_ROWS_TO_HP_LIST = 11 /* cmpnt_add_upgrade_value_to_list, hot-patch list */
 };
 
 /* Reads a whole table and hands every row to the mode's action. arg belongs to mode 5: its low byte
@@ -819,7 +821,7 @@ CMPNT_API int32_t cmpnt_update_deactive_time(const char *patch_name); /* the tim
 
 /* Removes the files of a package: in a directory whose last component contains "download" the file
  * and its transfer leftover "_temp_NAME__"; in one with ".single", ".multiple" or ".new" that whole
- * directory; elsewhere nothing. */
+ * directory; elsewhere nothing. A path of 260 bytes or more gives -1. */
 CMPNT_API int32_t cmpnt_delete_pkg_by_path(const char *path);
 
 #ifdef __cplusplus

@@ -18,8 +18,8 @@ void empty_list(cmpnt_list_head *head) {
 }
 
 void empty_lists() {
-    for (cmpnt_list_head *head : {&cmpnt_upgrade_list, &cmpnt_hp_list, &auto_sync_list,
-                                  &app_sync_list}) {
+    for (cmpnt_list_head *head :
+         {&cmpnt_upgrade_list, &cmpnt_hp_list, &auto_sync_list, &app_sync_list}) {
         empty_list(head);
     }
 }

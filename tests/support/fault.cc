@@ -21,19 +21,21 @@ struct WrappedFunction {
     int error;
 };
 
-#define WRAPPED(name) {#name, 0, 0, 0, 0}
+#define WRAPPED(name)                                                                              \
+    { #name, 0, 0, 0, 0 }
 WrappedFunction functions[] = {
-    WRAPPED(calloc),      WRAPPED(realloc),      WRAPPED(strndup),      WRAPPED(open64),
-    WRAPPED(close),       WRAPPED(dup),          WRAPPED(dup2),         WRAPPED(fcntl64),
-    WRAPPED(fsync),       WRAPPED(sync),         WRAPPED(write),        WRAPPED(fopen64),
-    WRAPPED(fclose),      WRAPPED(fwrite),       WRAPPED(fileno),       WRAPPED(opendir),
-    WRAPPED(closedir),    WRAPPED(lstat64),      WRAPPED(statvfs64),    WRAPPED(rename),
-    WRAPPED(remove),      WRAPPED(rmdir),        WRAPPED(chmod),        WRAPPED(chdir),
-    WRAPPED(popen),       WRAPPED(pclose),       WRAPPED(sleep),        WRAPPED(ferror),
+    WRAPPED(calloc),       WRAPPED(realloc),      WRAPPED(strndup),       WRAPPED(open64),
+    WRAPPED(close),        WRAPPED(dup),          WRAPPED(dup2),          WRAPPED(fcntl64),
+    WRAPPED(fsync),        WRAPPED(sync),         WRAPPED(write),         WRAPPED(fopen64),
+    WRAPPED(fclose),       WRAPPED(fwrite),       WRAPPED(fileno),        WRAPPED(opendir),
+    WRAPPED(closedir),     WRAPPED(lstat64),      WRAPPED(statvfs64),     WRAPPED(rename),
+    WRAPPED(remove),       WRAPPED(rmdir),        WRAPPED(chmod),         WRAPPED(chdir),
+    WRAPPED(popen),        WRAPPED(pclose),       WRAPPED(sleep),         WRAPPED(ferror),
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
-    WRAPPED(vsnprintf),   WRAPPED(fseeko64),
+    WRAPPED(vsnprintf),    WRAPPED(fseeko64),
 };
 bool sleeps_are_skipped = false;
+unsigned seconds_slept = 0;
 bool space_is_told = false;
 unsigned long told_block_size = 0;
 unsigned long long told_blocks = 0;
@@ -75,6 +77,8 @@ int calls(const char *name) { return find(name)->calls; }
 
 void skip_sleeps() { sleeps_are_skipped = true; }
 
+unsigned slept() { return seconds_slept; }
+
 void tell_space(unsigned long block_size, unsigned long long blocks) {
     space_is_told = true;
     told_block_size = block_size;
@@ -86,19 +90,20 @@ void reset() {
         function = {function.name, 0, 0, 0, 0};
     }
     sleeps_are_skipped = false;
+    seconds_slept = 0;
     space_is_told = false;
 }
 
 }  // namespace fault
 
 // WRAP(result, name, parameters, arguments, failure): the plain cases.
-#define WRAP(result, name, parameters, arguments, failure) \
-    result __real_##name parameters;                        \
-    result __wrap_##name parameters {                       \
-        if (fails(#name)) {                                 \
-            return failure;                                 \
-        }                                                   \
-        return __real_##name arguments;                     \
+#define WRAP(result, name, parameters, arguments, failure)                                         \
+    result __real_##name parameters;                                                               \
+    result __wrap_##name parameters {                                                              \
+        if (fails(#name)) {                                                                        \
+            return failure;                                                                        \
+        }                                                                                          \
+        return __real_##name arguments;                                                            \
     }
 
 extern "C" {
@@ -187,6 +192,7 @@ void __wrap_sync(void) {
 unsigned __real_sleep(unsigned seconds);
 unsigned __wrap_sleep(unsigned seconds) {
     fails("sleep");
+    seconds_slept += seconds;
     return sleeps_are_skipped ? 0 : __real_sleep(seconds);
 }
 

@@ -18,6 +18,9 @@ int calls(const char *function);
 // sleep() returns at once, and is only counted.
 void skip_sleeps();
 
+// Seconds asked of sleep() since the last reset.
+unsigned slept();
+
 // statvfs() tells of this room on every file system: the fragment size and the blocks available.
 void tell_space(unsigned long block_size, unsigned long long blocks);
 

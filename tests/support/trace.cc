@@ -47,7 +47,7 @@ bool in_system_log(const ChannelWords &channel, const std::string &function,
     const std::string start = "[" + function + ":";
     for (const SyslogCall &call : platform.syslog) {
         if (call.tag != channel.tag || call.module != channel.module || call.priority != 6 ||
-            call.format.compare(0, 7, "[%s:%d]") != 0 ||
+            call.format.compare(0, 7, "[%s:%d]") != 0 || call.format == "[%s:%d]%s" ||
             call.text.compare(0, start.size(), start) != 0) {
             continue;
         }
@@ -80,8 +80,8 @@ std::vector<TraceLine> trace_lines() {
         if (!lines.empty()) {
             lines.back().message = text.substr(end_of_last, start - end_of_last);
         }
-        lines.push_back({match->str(1), match->str(2), match->str(3), std::stoi(match->str(4)),
-                         std::string()});
+        lines.push_back(
+            {match->str(1), match->str(2), match->str(3), std::stoi(match->str(4)), std::string()});
         end_of_last = start + static_cast<size_t>(match->length());
     }
     if (!lines.empty()) {
@@ -118,9 +118,9 @@ testing::AssertionResult logged(const std::string &tag, const std::string &funct
                << all_that_was_said();
     }
     if (!in_system_log(*channel, function, message)) {
-        return testing::AssertionFailure() << "not in the system log: " << tag << " " << function
-                                           << ": " << message << "\n"
-                                           << all_that_was_said();
+        return testing::AssertionFailure()
+               << "not in the system log: " << tag << " " << function << ": " << message << "\n"
+               << all_that_was_said();
     }
     return testing::AssertionSuccess();
 }

@@ -26,8 +26,8 @@ std::vector<std::string> trace_messages();
 int traced(const std::string &kind, const std::string &function, const std::string &message);
 
 // Whether the message was logged by the function on the channel with this tag, on both roads: in the
-// trace file with the channel's kind, and in the system log behind "[function:line]". Needs a debug
-// level that lets the channel through, as the fixture sets it.
+// trace file with the channel's kind, and in the system log behind "[function:line]", there with a
+// format of its own. Needs a debug level that lets the channel through, as the fixture sets it.
 testing::AssertionResult logged(const std::string &tag, const std::string &function,
                                 const std::string &message);
 
