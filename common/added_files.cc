@@ -20,29 +20,14 @@ constexpr const char *added_directories[] = {
     "/var/cache/opkg/backup",
 };
 
-void show_title(uint32_t mode) {
-    if (mode == TO_TERMINAL) {
-        cli_printf("Show all add files:\n");
-    } else if (mode == TO_SYSLOG) {
-        CMPNT_SHOW(show_added_files, "Show all add files:\n");
-    }
-}
-
-void show_directory(uint32_t mode, const char *path) {
-    if (mode == TO_TERMINAL) {
-        cli_printf("  Traverse path %s:\n", path);
-    } else if (mode == TO_SYSLOG) {
-        CMPNT_SHOW(show_added_files, "  Traverse path %s:\n", path);
-    }
-}
-
-void show_separator(uint32_t mode) {
-    if (mode == TO_TERMINAL) {
-        cli_printf("\n");
-    } else if (mode == TO_SYSLOG) {
-        CMPNT_SHOW(show_added_files, "\n");
-    }
-}
+#define SHOW(mode, format, ...)                                                                    \
+    do {                                                                                           \
+        if ((mode) == TO_TERMINAL) {                                                               \
+            cli_printf(format, ##__VA_ARGS__);                                                     \
+        } else if ((mode) == TO_SYSLOG) {                                                          \
+            CMPNT_SHOW(show_added_files, format, ##__VA_ARGS__);                                   \
+        }                                                                                          \
+    } while (0)
 
 // The colon behind the name is the terminal's alone.
 void show_bundle(uint32_t mode, const char *name) {
@@ -50,14 +35,6 @@ void show_bundle(uint32_t mode, const char *name) {
         cli_printf("\n      smu name: %s:\n", name);
     } else if (mode == TO_SYSLOG) {
         CMPNT_SHOW(show_added_files, "\n      smu name: %s\n", name);
-    }
-}
-
-void show_file(uint32_t mode, const char *name) {
-    if (mode == TO_TERMINAL) {
-        cli_printf("          %s:\n", name);
-    } else if (mode == TO_SYSLOG) {
-        CMPNT_SHOW(show_added_files, "          %s:\n", name);
     }
 }
 
@@ -102,7 +79,7 @@ int32_t cmpnt_traverse_all_add_file(const char *path, uint32_t mode) {
         if (!S_ISDIR(status.st_mode)) {
             CMPNT_LOG(log_trace, "file: %s, size: %ld\n", entry_path,
                       static_cast<long>(status.st_size));
-            show_file(mode, entry->d_name);
+            SHOW(mode, "          %s:\n", entry->d_name);
             continue;
         }
         show_bundle(mode, entry->d_name);
@@ -115,14 +92,14 @@ int32_t cmpnt_traverse_all_add_file(const char *path, uint32_t mode) {
 }
 
 void cmpnt_show_all_add_file(uint32_t mode) {
-    show_title(mode);
-    const char *former = nullptr;
+    SHOW(mode, "Show all add files:\n");
+    bool first = true;
     for (const char *path : added_directories) {
-        if (former != nullptr) {
-            show_separator(mode);
+        if (!first) {
+            SHOW(mode, "\n");
         }
-        show_directory(mode, path);
+        first = false;
+        SHOW(mode, "  Traverse path %s:\n", path);
         cmpnt_traverse_all_add_file(path, mode);
-        former = path;
     }
 }

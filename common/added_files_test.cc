@@ -77,6 +77,7 @@ TEST_F(AddedFiles, AreShownInTheSystemLogAtEveryLevelAndWithoutAPrefix) {
                                      "          c.ipk:\n",
                                  }));
     EXPECT_EQ(platform.cli, "");
+    EXPECT_EQ(trace_lines().size(), 3u);
     for (const TraceLine &line : trace_lines()) {
         EXPECT_EQ(line.message.compare(0, 6, "file: "), 0) << "only files are traced";
     }

@@ -15,7 +15,7 @@ constexpr mode_t file_mode = 0755;
 // What is there is never created anew: a link that leads nowhere keeps leading nowhere.
 int open_to_append(const char *path) {
     if (file_is_exist(path) != 0) {
-        return open(path, O_WRONLY | O_APPEND | O_CLOEXEC, file_mode);
+        return open(path, O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC, file_mode);
     }
     create_parent_directory(path);
     return open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, file_mode);

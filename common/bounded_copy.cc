@@ -15,7 +15,7 @@ int32_t cmpnt_memcpy(void *dest, const void *src, int32_t dest_len, int32_t src_
     const size_t wanted = static_cast<size_t>(src_len);
     // A refused text costs the former one as well: nobody goes on with a stale name.
     memset(dest, 0, room);
-    // Never looks further than it must: what is copied need not be terminated.
+    // Looks no further than it must; only a refused text is printed, and read to its end.
     const bool fills_dest = strnlen(text, room + 1) == room;
     if (wanted > room || (fills_dest && wanted < room)) {
         CMPNT_LOG(log_error, "src(%s) is too long, src_len(%d), dest(%d).\n", text, src_len,

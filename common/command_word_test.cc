@@ -5,14 +5,22 @@ TEST(CommandWord, NamesTheCommandsThatHaveAWord) {
         int32_t cmd;
         const char *word;
     } cases[] = {
-        {2, "Add"},          {3, "Activate"},
-        {4, "Commit"},       {5, "Deactivate"},
-        {6, "Remove"},       {7, "Clear"},
-        {121, "Sync running"}, {142, "Active"},
-        {143, "Deactive"},   {144, "Running"},
-        {145, "Delete"},     {146, "Install to running"},
-        {150, "Sync add"},   {151, "Sync active"},
-        {157, "Autoload active"}, {158, "Autoload running"},
+        {2, "Add"},
+        {3, "Activate"},
+        {4, "Commit"},
+        {5, "Deactivate"},
+        {6, "Remove"},
+        {7, "Clear"},
+        {121, "Sync running"},
+        {142, "Active"},
+        {143, "Deactive"},
+        {144, "Running"},
+        {145, "Delete"},
+        {146, "Install to running"},
+        {150, "Sync add"},
+        {151, "Sync active"},
+        {157, "Autoload active"},
+        {158, "Autoload running"},
         {174, "Path autoload"},
     };
     for (const auto &c : cases) {

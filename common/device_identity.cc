@@ -34,14 +34,17 @@ int32_t role_of(const PDev__DpLibMyInfo *identity) {
 }
 
 // The first known role stays: later notifications do not change it, only an unknown one resets it.
-// Loggers of other threads read the word without a lock.
+// The notification thread and the first reader may come together, and loggers of other threads read
+// the word without a lock.
 int32_t learn_role(int32_t role) {
-    const int32_t current = __atomic_load_n(&g_dev_info.role, __ATOMIC_RELAXED);
-    if (role != CMPNT_ROLE_UNKNOWN && current != CMPNT_ROLE_UNKNOWN) {
-        return current;
+    if (role == CMPNT_ROLE_UNKNOWN) {
+        __atomic_store_n(&g_dev_info.role, role, __ATOMIC_RELAXED);
+        return role;
     }
-    __atomic_store_n(&g_dev_info.role, role, __ATOMIC_RELAXED);
-    return role;
+    int32_t current = CMPNT_ROLE_UNKNOWN;
+    const bool learned = __atomic_compare_exchange_n(&g_dev_info.role, &current, role, false,
+                                                     __ATOMIC_RELAXED, __ATOMIC_RELAXED);
+    return learned ? role : current;
 }
 
 bool is_good(const vx_mom_wrapped_value *value) { return value != nullptr && value->status == 0; }

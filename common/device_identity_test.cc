@@ -39,7 +39,11 @@ TEST_F(DeviceIdentity, IsSubscribedAndThenReadWithTheSameCallback) {
         EXPECT_EQ(call.number, 1);
         EXPECT_EQ(call.message_name, "p_dev.dp_lib_my_info");
         EXPECT_EQ(call.callback, cmpnt_get_dp_lib_my_info_cb);
+        EXPECT_EQ(call.packed_size, 0u) << "the descriptor alone is asked for";
+        EXPECT_EQ(call.reserved, nullptr);
+        EXPECT_EQ(call.context, nullptr);
     }
+    EXPECT_EQ(platform.mom[0].message, platform.mom[1].message);
     EXPECT_TRUE(trace_messages().empty());
 }
 

@@ -5,6 +5,7 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/open_stream.hh"
 
 namespace {
 
@@ -19,7 +20,7 @@ uint32_t cmpnt_get_file_size(const char *path, int32_t unit) {
         CMPNT_LOG(log_server_error, "param is null.\n");
         return unknown_size;
     }
-    Stream file(fopen(path, "re"));
+    Stream file(open_to_read(path));
     if (!file) {
         CMPNT_LOG(log_server_error, "fopen fail, error(%s).\n", strerror(errno));
         return unknown_size;

@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 
 namespace {
@@ -68,6 +69,12 @@ TEST_F(FileSize, IsUnknownForWhatHasNone) {
     write_file("/tmp/file", "12345");
     fault::fail("fseeko64", 1, EIO);
     EXPECT_EQ(cmpnt_get_file_size("/tmp/file", 0), unknown_size);
+}
+
+TEST_F(FileSize, DoesNotWaitForTheWriterOfAPipe) {
+    ASSERT_EQ(mkfifo("/tmp/pipe", 0600), 0);
+    const Deadline deadline;
+    EXPECT_EQ(cmpnt_get_file_size("/tmp/pipe", 0), unknown_size);
 }
 
 TEST_F(FileSize, LeavesNoDescriptorOpen) {

@@ -63,8 +63,9 @@ TEST_F(InstallQueue, IsRefusedWhenItFillsTheArrayButItsNamesStay) {
     EXPECT_EQ(result, 0);
     EXPECT_EQ(split("a;b;c", ";", 3), (Names{"a", "b", "c"}));
     EXPECT_EQ(result, -1);
-    EXPECT_EQ(
-        traced("trace", "cmpnt_detach_install_queue", "cmpnt_detach_install_queue count(3)\n"), 1);
+    EXPECT_TRUE(logged("CMPNT_TRACE", "cmpnt_detach_install_queue",
+                       "cmpnt_detach_install_queue count(3)\n"));
+    EXPECT_EQ(trace_lines().size(), 1u);
     EXPECT_EQ(split("a;b;c", ";", 2), (Names{"a", "b"}));
     EXPECT_EQ(result, -1);
     EXPECT_EQ(slots[2], nullptr);
@@ -118,5 +119,6 @@ TEST_F(InstallQueue, KeepsWhatWasStoredWhenMemoryRunsOut) {
     EXPECT_EQ(split("a;b;c;d", ";"), (Names{"a", "b"}));
     EXPECT_EQ(result, -1);
     EXPECT_EQ(slots[2], nullptr);
-    EXPECT_EQ(traced("error", "cmpnt_detach_install_queue", "cmpnt_malloc_and_memory fail.\n"), 1);
+    EXPECT_TRUE(
+        logged("CMPNT_ERROR", "cmpnt_detach_install_queue", "cmpnt_malloc_and_memory fail.\n"));
 }

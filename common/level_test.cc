@@ -39,9 +39,17 @@ TEST_F(Level, LetsAChannelThroughWhenAllBitsOfItsMaskAreSet) {
     EXPECT_EQ(heard_at(0x4), (Tags{"CMPNT_MAJOR/COMMON"}));
     EXPECT_EQ(heard_at(0x5), (Tags{"CMPNT_TRACE/COMMON", "CMPNT_MAJOR/COMMON",
                                    "CLIENT_TRACE/CLIENT", "BEGIN_TRACE/BEGIN"}));
+    EXPECT_EQ(heard_at(0x6), (Tags{"CMPNT_MAJOR/COMMON"}));
+    EXPECT_EQ(heard_at(0x7), (Tags{"CMPNT_TRACE/COMMON", "CMPNT_ERROR/COMMON", "CMPNT_MAJOR/COMMON",
+                                   "CLIENT_TRACE/CLIENT", "CLIENT_ERROR/CLIENT",
+                                   "BEGIN_TRACE/BEGIN", "BEGIN_ERROR/BEGIN"}));
     EXPECT_EQ(heard_at(0x8), Tags());
     EXPECT_EQ(heard_at(0x9),
               (Tags{"CMPNT_TRACE/COMMON", "SERVER_TRACE/SERVER", "BEGIN_TRACE/BEGIN"}));
+    EXPECT_EQ(heard_at(0xA), Tags());
+    EXPECT_EQ(heard_at(0xB),
+              (Tags{"CMPNT_TRACE/COMMON", "CMPNT_ERROR/COMMON", "SERVER_TRACE/SERVER",
+                    "SERVER_ERROR/SERVER", "BEGIN_TRACE/BEGIN", "BEGIN_ERROR/BEGIN"}));
     EXPECT_EQ(heard_at(0xF).size(), 9u);
 }
 

@@ -48,36 +48,36 @@ inline bool log_runs_on_card() {
     return __atomic_load_n(&g_dev_info.role, __ATOMIC_RELAXED) == CMPNT_ROLE_CARD;
 }
 
-#define CMPNT_SYSLOG(channel, format, ...)                                                        \
-    do {                                                                                          \
-        if (log_runs_on_card()) {                                                                 \
-            printk_syslog_lc(syslog_priority, (channel).tag, (channel).module, format,            \
-                             ##__VA_ARGS__);                                                      \
-        } else {                                                                                  \
-            printk_syslog_ext(syslog_priority, (channel).tag, (channel).module, 1, format,        \
-                              ##__VA_ARGS__);                                                     \
-        }                                                                                         \
+#define CMPNT_SYSLOG(channel, format, ...)                                                         \
+    do {                                                                                           \
+        if (log_runs_on_card()) {                                                                  \
+            printk_syslog_lc(syslog_priority, (channel).tag, (channel).module, format,             \
+                             ##__VA_ARGS__);                                                       \
+        } else {                                                                                   \
+            printk_syslog_ext(syslog_priority, (channel).tag, (channel).module, 1, format,         \
+                              ##__VA_ARGS__);                                                      \
+        }                                                                                          \
     } while (0)
 
 // For a message that bears another function's name. The trace writer keeps errno by itself.
-#define CMPNT_LOG_AS(channel, function, format, ...)                                              \
-    do {                                                                                          \
-        if (__builtin_expect(log_is_on(channel), 0)) {                                            \
-            const int cmpnt_saved_errno_ = errno;                                                 \
-            CMPNT_SYSLOG(channel, "[%s:%d]" format, function, __LINE__, ##__VA_ARGS__);           \
-            errno = cmpnt_saved_errno_;                                                           \
-        }                                                                                         \
-        cmpnt_write_debug_log((channel).kind, function, __LINE__, format, ##__VA_ARGS__);         \
+#define CMPNT_LOG_AS(channel, function, format, ...)                                               \
+    do {                                                                                           \
+        if (__builtin_expect(log_is_on(channel), 0)) {                                             \
+            const int cmpnt_saved_errno_ = errno;                                                  \
+            CMPNT_SYSLOG(channel, "[%s:%d]" format, function, __LINE__, ##__VA_ARGS__);            \
+            errno = cmpnt_saved_errno_;                                                            \
+        }                                                                                          \
+        cmpnt_write_debug_log((channel).kind, function, __LINE__, format, ##__VA_ARGS__);          \
     } while (0)
 
 #define CMPNT_LOG(channel, format, ...) CMPNT_LOG_AS(channel, __func__, format, ##__VA_ARGS__)
 
 // Display text stands as it is, without the "[function:line]" of a message.
-#define CMPNT_SHOW(channel, format, ...)                                                          \
-    do {                                                                                          \
-        const int cmpnt_saved_errno_ = errno;                                                     \
-        CMPNT_SYSLOG(channel, format, ##__VA_ARGS__);                                             \
-        errno = cmpnt_saved_errno_;                                                               \
+#define CMPNT_SHOW(channel, format, ...)                                                           \
+    do {                                                                                           \
+        const int cmpnt_saved_errno_ = errno;                                                      \
+        CMPNT_SYSLOG(channel, format, ##__VA_ARGS__);                                              \
+        errno = cmpnt_saved_errno_;                                                                \
     } while (0)
 
 #endif

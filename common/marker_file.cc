@@ -6,11 +6,11 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
-#include "common/tmp_path.hh"
+#include "common/temp_path.hh"
 
 int32_t cmpnt_touch_tmp_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_tmp_path(__func__, TmpFile::MARKER, name, path)) {
+    if (!make_temp_path(__func__, TempFile::marker, name, path)) {
         return -1;
     }
     // Wider than other files: any program may write to a marker.
@@ -24,7 +24,7 @@ int32_t cmpnt_touch_tmp_file(const char *name) {
 
 int32_t cmpnt_rm_file(const char *name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_tmp_path(__func__, TmpFile::MARKER, name, path)) {
+    if (!make_temp_path(__func__, TempFile::marker, name, path)) {
         return -1;
     }
     if (path[strspn(path, "/")] == '\0') {

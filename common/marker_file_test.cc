@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 
 class MarkerFile : public DeviceTest {};
@@ -135,6 +136,14 @@ TEST_F(MarkerFile, InfoZeroesTheBufferBeforeItLooksAtTheLengthOfTheName) {
     char value[16] = "former";
     EXPECT_EQ(cmpnt_get_info_from_tmp_file(std::string(300, 'n').c_str(), value, sizeof(value)),
               -1);
+    EXPECT_STREQ(value, "");
+}
+
+TEST_F(MarkerFile, InfoDoesNotWaitForTheWriterOfAPipe) {
+    ASSERT_EQ(mkfifo("/tmp/.marker", 0600), 0);
+    char value[16] = "former";
+    const Deadline deadline;
+    EXPECT_EQ(cmpnt_get_info_from_tmp_file("/.marker", value, sizeof(value)), -1);
     EXPECT_STREQ(value, "");
 }
 

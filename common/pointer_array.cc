@@ -24,11 +24,11 @@ void cmpnt_recycle_pointer_array(char **array, int32_t count) {
 }
 
 int32_t cmpnt_malloc_and_memory(char **array, int32_t index, const char *text, uint32_t size) {
-    if (array == nullptr || index < 0) {
-        return -1;
-    }
     if (text == nullptr) {
         CMPNT_LOG(log_error, "param is null.\n");
+        return -1;
+    }
+    if (array == nullptr || index < 0) {
         return -1;
     }
     char *block = static_cast<char *>(cmpnt_malloc(size));

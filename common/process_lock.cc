@@ -5,10 +5,10 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "common/descriptor.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
-#include "common/tmp_path.hh"
+#include "common/standard_streams.hh"
+#include "common/temp_path.hh"
 
 namespace {
 
@@ -52,7 +52,7 @@ void read_own_name(char (&name)[CMPNT_LINE_SIZE]) {
 
 int32_t cmpnt_process_is_running(const char *lock_name) {
     char path[CMPNT_PATH_SIZE] = {};
-    if (!make_tmp_path(__func__, TmpFile::LOCK, lock_name, path) ||
+    if (!make_temp_path(__func__, TempFile::lock, lock_name, path) ||
         !make_lock_directory(__func__, path)) {
         return -1;
     }

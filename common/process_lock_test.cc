@@ -14,11 +14,6 @@ constexpr int held_elsewhere = 0;
 constexpr int failed = 255;  // -1, as a process hands it back
 constexpr int taken = 1;
 
-template <typename Work>
-int in_child(Work work) {
-    return Child([work](Child &) { return work(); }).wait();
-}
-
 // What a process answers when it asks for the lock.
 int answer(const char *name) {
     const int32_t lock = cmpnt_process_is_running(name);

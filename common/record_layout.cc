@@ -150,6 +150,9 @@ static_assert(offsetof(cmpnt_single_patch_value, patch_order) == 232);
 static_assert(offsetof(cmpnt_single_patch_value, patch_type) == 236);
 static_assert(sizeof(cmpnt_single_patch_value) == 240);
 
+// The platform's clock answers in a word that is a long on both.
+static_assert(sizeof(time_t) == sizeof(long));
+
 static_assert(offsetof(vx_mom_record, command) == 0);
 static_assert(offsetof(vx_mom_record, result) == pointer);
 static_assert(offsetof(vx_mom_record, status) == 2 * pointer);

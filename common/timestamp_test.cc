@@ -1,4 +1,6 @@
+#include <stdlib.h>
 #include <string.h>
+#include <sys/time.h>
 #include <time.h>
 
 #include "tests/support/device_test.hh"
@@ -26,6 +28,37 @@ TEST_F(Timestamp, AddsMicrosecondsInModeOne) {
     ASSERT_EQ(strlen(text), 26u);
     EXPECT_EQ(std::string(text, 20), "2024-03-01 10:15:02-");
     EXPECT_EQ(strspn(text + 20, "0123456789"), 6u);
+}
+
+TEST_F(Timestamp, HasTheMicrosecondsOfTheMoment) {
+    struct timeval before, after;
+    gettimeofday(&before, nullptr);
+    cmppnt_get_time(text, sizeof(text), 1);
+    gettimeofday(&after, nullptr);
+    const long shown = strtol(text + 20, nullptr, 10);
+    const long since_before = (shown - before.tv_usec + 1000000) % 1000000;
+    EXPECT_LE(since_before,
+              (after.tv_sec - before.tv_sec) * 1000000 + after.tv_usec - before.tv_usec)
+        << shown << " after " << before.tv_usec;
+}
+
+TEST_F(Timestamp, HasAYearOfFiveDigitsWhenItIsThatLate) {
+    if (sizeof(time_t) < sizeof(int64_t)) {
+        GTEST_SKIP() << "the clock ends in 2038";
+    }
+    platform.clock = static_cast<time_t>(INT64_C(400000000000));
+    cmppnt_get_time(text, sizeof(text), 0);
+    EXPECT_STREQ(text, "14645-06-30 15:06:40");
+}
+
+TEST_F(Timestamp, LeavesTheBufferWhenTheClockIsBeyondTheCalendar) {
+    if (sizeof(time_t) < sizeof(int64_t)) {
+        GTEST_SKIP() << "every time has a date";
+    }
+    const std::string before = text;
+    platform.clock = static_cast<time_t>(INT64_MAX);
+    cmppnt_get_time(text, sizeof(text), 0);
+    EXPECT_EQ(text, before);
 }
 
 TEST_F(Timestamp, IsCutToTheBuffer) {

@@ -88,6 +88,7 @@ void append_message(TraceLine &line, const char *format, va_list arguments) {
 // line.
 void format_line(TraceLine &line, const char *kind, const char *function, int32_t number,
                  const char *format, va_list arguments) {
+    const int caller_errno = errno;
     line.bytes[0] = '[';
     line.bytes[1] = '\0';
     cmppnt_get_time(line.bytes + 1, line_size - 1, 1);
@@ -99,17 +100,19 @@ void format_line(TraceLine &line, const char *kind, const char *function, int32_
     append_text(line, "-");
     append_number(line, number);
     append_text(line, "]");
+    errno = caller_errno;  // for %m: the platform's clock may have changed it
     append_message(line, format, arguments);
 }
 
 int create_trace_file(const char *path) {
     cmpnt_mkdir(trace_directory);
-    return open(path, O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0755);
+    return open(path, O_RDWR | O_CREAT | O_TRUNC | O_NONBLOCK | O_CLOEXEC, 0755);
 }
 
 // Opens before it looks: an existing, short file is the common case and needs no other call by name.
+// Nothing here waits, for all threads log under the one lock: a pipe without a reader is refused.
 int open_trace_file(const char *path) {
-    Descriptor file(open(path, O_WRONLY | O_APPEND | O_CLOEXEC));
+    Descriptor file(open(path, O_WRONLY | O_APPEND | O_NONBLOCK | O_CLOEXEC));
     struct stat status;
     const bool known = file ? fstat(file.get(), &status) == 0 : stat(path, &status) == 0;
     if (known && status.st_size >= rotation_size) {
@@ -157,7 +160,6 @@ int32_t cmpnt_write_debug_log(const char *kind, const char *function, int32_t li
         TraceLine trace_line;
         va_list arguments;
         va_start(arguments, format);
-        errno = saved_errno;  // for %m
         format_line(trace_line, kind, function, line, format, arguments);
         va_end(arguments);
         append_to_trace_file(trace_line);

@@ -7,14 +7,28 @@
 
 #include <thread>
 
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 
 namespace {
 
 constexpr long long rotation_size = 0x40000;
 
-void write_line(const char *message) {
-    cmpnt_write_debug_log("error", "some_function", 42, "%s", message);
+int32_t write_line(const char *message) {
+    return cmpnt_write_debug_log("error", "some_function", 42, "%s", message);
+}
+
+// How many threads ask for the time at once, and the most that ever did.
+int at_the_clock = 0;
+int most_at_the_clock = 0;
+
+void linger_at_the_clock() {
+    const int now = __atomic_add_fetch(&at_the_clock, 1, __ATOMIC_SEQ_CST);
+    if (now > __atomic_load_n(&most_at_the_clock, __ATOMIC_SEQ_CST)) {
+        __atomic_store_n(&most_at_the_clock, now, __ATOMIC_SEQ_CST);
+    }
+    usleep(100);
+    __atomic_sub_fetch(&at_the_clock, 1, __ATOMIC_SEQ_CST);
 }
 
 }  // namespace
@@ -159,6 +173,42 @@ TEST_F(TraceFile, DropsAMessageOfThePlatformInsideTheWriter) {
     EXPECT_EQ(cmpnt_write_debug_log("error", "some_function", 1, "lost\n"), 0);
 }
 
+TEST_F(TraceFile, DropsTheLineForAPipeThatNobodyReads) {
+    make_directories("/var/cache/opkg/debug");
+    ASSERT_EQ(mkfifo(trace_path().c_str(), 0600), 0);
+    const int before = open_descriptors();
+    const Deadline deadline;
+    EXPECT_EQ(write_line("lost\n"), 0);
+    EXPECT_EQ(open_descriptors(), before);
+    EXPECT_FALSE(exists(backup));
+}
+
+TEST_F(TraceFile, LosesALineToAFailedWriteAlone) {
+    const struct {
+        const char *function;
+        int error;
+        bool kept;
+    } cases[] = {{"write", ENOSPC, false}, {"fsync", EIO, true}, {"close", EIO, true}};
+    for (const auto &c : cases) {
+        forget_log();
+        EXPECT_EQ(write_line("before\n"), 0);
+        fault::fail(c.function, 1, c.error);
+        EXPECT_EQ(write_line("struck\n"), 0) << c.function;
+        EXPECT_EQ(write_line("after\n"), 0) << c.function;
+        EXPECT_EQ(traced("error", "some_function", "struck\n"), c.kept ? 1 : 0) << c.function;
+        EXPECT_EQ(trace_lines().size(), c.kept ? 3u : 2u) << c.function;
+        EXPECT_EQ(trace_lines().back().message, "after\n") << c.function;
+    }
+    EXPECT_TRUE(platform.syslog.empty());
+}
+
+TEST_F(TraceFile, TellsTheCallersErrnoAndNotTheClocks) {
+    errno = ENOSPC;
+    cmpnt_write_debug_log("error", "f", 1, "%m\n");
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_EQ(trace_lines().at(0).message, std::string(strerror(ENOSPC)) + "\n");
+}
+
 TEST_F(TraceFile, KeepsErrno) {
     errno = EMLINK;
     write_line("x\n");
@@ -168,7 +218,7 @@ TEST_F(TraceFile, KeepsErrno) {
 TEST_F(TraceFile, SyncsEveryLine) {
     write_line("one\n");
     write_line("two\n");
-    EXPECT_EQ(fault::calls("fsync"), 2);
+    EXPECT_EQ(fault::order_of({"write", "fsync", "close"}), "write fsync close write fsync close");
 }
 
 TEST_F(TraceFile, LeavesNoDescriptorOpen) {
@@ -198,7 +248,12 @@ TEST_F(TraceFile, IsOneFileAThreadName) {
     EXPECT_EQ(trace_lines().size(), 1u);
 }
 
-TEST_F(TraceFile, KeepsLinesOfManyThreadsWhole) {
+TEST_F(TraceFile, KeepsLinesOfManyThreadsWholeAcrossOneRotation) {
+    const std::string path = "/var/cache/opkg/debug/.same.log";
+    const std::string filler(rotation_size - 2000, '-');
+    write_file(path, filler);
+    most_at_the_clock = 0;
+    platform.on_clock = linger_at_the_clock;
     auto work = [] {
         prctl(PR_SET_NAME, "same");
         for (int i = 0; i < 50; i++) {
@@ -209,7 +264,14 @@ TEST_F(TraceFile, KeepsLinesOfManyThreadsWhole) {
     first.join();
     second.join();
     third.join();
-    prctl(PR_SET_NAME, "same");
+    EXPECT_EQ(most_at_the_clock, 1);
+
+    ASSERT_EQ(names_in("/var/cache/opkg/debug"),
+              (std::vector<std::string>{".same.log", ".same.log_bak"}));
+    const std::string full = read_file(path + "_bak");
+    EXPECT_GE(full.size(), static_cast<size_t>(rotation_size));
+    ASSERT_EQ(full.compare(0, filler.size(), filler), 0) << "rotated more than once";
+    write_file(trace_path(), full.substr(filler.size()) + read_file(path));
     EXPECT_EQ(traced("error", "some_function", "0123456789012345678901234567890123456789\n"), 150);
     EXPECT_EQ(trace_lines().size(), 150u);
 }

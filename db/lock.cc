@@ -4,7 +4,7 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "common/descriptor.hh"
+#include "common/standard_streams.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
 

@@ -7,9 +7,10 @@
  *   Results     int32_t, 0 for success and -1 for failure unless the function says otherwise.
  *               A predicate answers 1 or 0. On failure the out-parameters keep what they held,
  *               unless the function says otherwise.
- *   Failures    Every failure with a message is logged where it is met: always as one line of kind
- *               "error" in the calling thread's trace file, and to the system log when the debug
- *               level asks for it (cmpnt_set_level). Nothing throws, aborts or exits.
+ *   Failures    Every failure with a message is logged where it is met: always as one line in the
+ *               calling thread's trace file, of kind "error" for all but a few that callers expect,
+ *               and to the system log when the debug level asks for it (cmpnt_set_level). Nothing
+ *               throws, aborts or exits.
  *   Pointers    May be null only where a function says what null does. Most functions refuse null
  *               with a message and a failure value.
  *   Texts       NUL-terminated bytes. Sizes and lengths are in bytes; a buffer's size counts its
@@ -20,7 +21,8 @@
  *   Threads     Logging may be called from any thread. Everything else works on process-wide state
  *               (the lists, the role, the standard output that a command run redirects, the
  *               database lock, which excludes processes and not threads): call it from one thread
- *               at a time.
+ *               at a time. A child that a host of several threads forks must exec before it calls
+ *               the library.
  *   Platform    The library imports the device platform's functions; the program that links it
  *               brings them along (platform/platform.h in the source tree is their contract).
  */
@@ -126,7 +128,8 @@ CMPNT_API int32_t cmpnt_malloc_and_memory(char **array, int32_t index, const cha
  * Returns 0, also when a text of exactly dest_len bytes lost its last one to the terminator. Returns
  * -1 with dest untouched for a null or a length below 1, and -1 with dest all zero for a text that
  * is too long. dest is NOT terminated when src_len equals dest_len and src is longer than that.
- * The buffers must not overlap. */
+ * src must be terminated when it may be too long: the message shows it. The buffers must not
+ * overlap. */
 CMPNT_API int32_t cmpnt_memcpy(void *dest, const void *src, int32_t dest_len, int32_t src_len);
 
 /* snprintf that answers: 0 when all of the text fitted, else -1 with the text cut. */
@@ -213,8 +216,8 @@ CMPNT_API int32_t cmpnt_check_file_space_is_enough(const char *directory, const 
                                                    int32_t extra_kbytes);
 
 /* Marker files in the temporary directory; name brings its leading slash. Names reach a shell
- * unquoted in cmpnt_rm_file, which removes directories too, refuses the root, and does not look at
- * how the removal went. */
+ * unquoted in cmpnt_rm_file, which removes directories too, refuses the root with -1, and does not
+ * look at how the removal went. */
 CMPNT_API int32_t cmpnt_touch_tmp_file(const char *name);
 CMPNT_API int32_t cmpnt_rm_file(const char *name);
 
@@ -298,8 +301,8 @@ CMPNT_API int32_t cmpnt_common_add_timer(const cmpnt_timer_context *context, uin
 
 /* Splits the first 1023 bytes of text at each of the separator characters into trimmed names, newly
  * allocated in names[0..*count-1]; neighbouring separators give empty names. Returns 0, or -1 when
- * max names were stored (also when that was all there was) or memory ran out. In every outcome the
- * names stored belong to the caller, who frees them with cmpnt_recycle_pointer_array. */
+ * max names were stored (also when that was all there was) or memory ran out; null arguments leave a
+ * count of 0. In every outcome the names stored belong to the caller, who frees them with cmpnt_recycle_pointer_array. */
 CMPNT_API int32_t cmpnt_detach_install_queue(const char *text, const char *separators, char **names,
                                              int32_t *count, int32_t max);
 
@@ -586,7 +589,8 @@ CMPNT_API int32_t cmpnt_touch_file(const char *path);
  * be put back. */
 CMPNT_API int32_t cmpnt_install_log_redirect(int32_t *saved_stdout, int32_t *saved_stderr);
 CMPNT_API int32_t cmpnt_install_log_restore(int32_t saved_stdout, int32_t saved_stderr);
-/* Their steps: one descriptor to the capture file, returning a copy of the former one, and back. */
+/* Their steps: one descriptor to the capture file, returning a copy of the former one, and back, which
+ * closes the copy (the two must differ). */
 CMPNT_API int32_t cmpnt_std_redirect_to_file(int32_t fd);
 CMPNT_API int32_t cmpnt_revert_std(int32_t saved_fd, int32_t target_fd);
 

@@ -4,6 +4,7 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/open_stream.hh"
 
 namespace {
 
@@ -36,7 +37,7 @@ int32_t cmpnt_copy_file_by_write(const char *source, const char *destination) {
         CMPNT_LOG(log_error, "file(%s) is no exist.\n", source);
         return -1;
     }
-    Stream from(fopen(source, "re"));
+    Stream from(open_to_read(source));
     if (!from) {
         CMPNT_LOG(log_error, "fopen fail, src(%s), error(%s)\n", source, strerror(errno));
         return -1;

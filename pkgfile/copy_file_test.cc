@@ -65,7 +65,7 @@ TEST_F(CopyFile, ClosesBothFilesInEveryCase) {
     for (int step = 0; step < 4; step++) {
         fault::reset();
         if (step == 1) {
-            fault::fail("fopen64", 2, EACCES);
+            fault::fail("fopen64", 1, EACCES);
         } else if (step == 2) {
             fault::fail("fwrite", 1, ENOSPC);
         } else if (step == 3) {

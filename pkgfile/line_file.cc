@@ -6,13 +6,14 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/open_stream.hh"
 
 int32_t parse_line_file(const char *caller, const LineFile &file, cmpnt_file_param *param) {
     if (file_is_exist(file.path) == 0) {
         CMPNT_LOG_AS(log_error, caller, "file(%s) is no exist.\n", file.path);
         return -1;
     }
-    const Stream stream(fopen(file.path, "r+e"));
+    const Stream stream(open_to_update(file.path));
     if (!stream) {
         CMPNT_LOG_AS(log_error, caller, "Failed to fopen %s\n", file.path);
         return -1;

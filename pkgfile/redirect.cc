@@ -5,9 +5,9 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "common/descriptor.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/standard_streams.hh"
 
 namespace {
 
@@ -69,7 +69,9 @@ int32_t cmpnt_std_redirect_to_file(int32_t fd) {
         return -1;
     }
     if (capture.get() == fd) {
-        capture.release();  // the stream was closed, and its number was the first free one
+        // The stream was closed, and its number was the first free one. Commands inherit it.
+        fcntl(fd, F_SETFD, 0);
+        capture.release();
     }
     return copy.release();
 }

@@ -4,6 +4,7 @@
 
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/open_stream.hh"
 
 int32_t cmpnt_get_value_from_file(char *value, int32_t size, const char *path) {
     if (value == nullptr || path == nullptr || size < 1) {
@@ -15,7 +16,7 @@ int32_t cmpnt_get_value_from_file(char *value, int32_t size, const char *path) {
         CMPNT_LOG(log_error, "serial file(%s) is not exist\n", path);
         return -1;
     }
-    const Stream file(fopen(path, "re"));
+    const Stream file(open_to_read(path));
     if (!file) {
         CMPNT_LOG(log_error, "fopen fail, error(%s)\n", strerror(errno));
         return -1;

@@ -63,7 +63,7 @@ TEST_F(ValueFile, FailsWithoutAFileAndHasZeroedTheBuffer) {
 
 TEST_F(ValueFile, FailsWhenItCannotBeOpened) {
     write_file("/tmp/value", "text\n");
-    fault::fail("fopen64", 1, EACCES);
+    fault::fail("open64", 1, EACCES);
     EXPECT_EQ(cmpnt_get_value_from_file(value, sizeof(value), "/tmp/value"), -1);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_get_value_from_file",
                        "fopen fail, error(Permission denied)\n"));

@@ -30,7 +30,8 @@ int32_t printk_syslog_lc(int32_t priority, const char *tag, const char *module, 
 int32_t printk_syslog_ext(int32_t priority, const char *tag, const char *module, int32_t count,
                           const char *format, ...) VX_PRINTF(5, 6);
 
-/* Seconds since the epoch on clock 2, the wall clock; negative when the clock cannot be read. */
+/* Seconds since the epoch on clock 2, the wall clock; negative when the clock cannot be read. time_t
+ * has the width of a long, on the device as well. */
 time_t vx_time_get(int32_t clock);
 
 /* What the management data store hands to a callback. */
@@ -41,12 +42,12 @@ typedef struct vx_mom_record {
 } vx_mom_record;
 
 enum {
-    VX_MOM_VALUE = 1,             /* result is the message */
-    VX_MOM_WRAPPED_VALUE_4 = 4,   /* result is a vx_mom_wrapped_value */
+    VX_MOM_VALUE = 1,           /* result is the message */
+    VX_MOM_WRAPPED_VALUE_4 = 4, /* result is a vx_mom_wrapped_value */
     VX_MOM_WRAPPED_VALUE_6 = 6,
     VX_MOM_WRAPPED_VALUE_8 = 8,
-    VX_MOM_VALUE_24 = 24,         /* result is the message */
-    VX_MOM_SUBSCRIBED = 29        /* the subscription was accepted; no result */
+    VX_MOM_VALUE_24 = 24,  /* result is the message */
+    VX_MOM_SUBSCRIBED = 29 /* the subscription was accepted; no result */
 };
 
 /* On the device: six words, the message first and the status last. */

@@ -1,14 +1,13 @@
 // What a descriptor that must stay as it is needs: a number that no redirection touches.
-#ifndef CMPNT_COMMON_DESCRIPTOR_HH
-#define CMPNT_COMMON_DESCRIPTOR_HH
+#ifndef CMPNT_COMMON_STANDARD_STREAMS_HH
+#define CMPNT_COMMON_STANDARD_STREAMS_HH
 
 #include <fcntl.h>
-#include <stdio.h>
 #include <unistd.h>
 
 #include "common/guard.hh"
 
-inline constexpr int first_free_descriptor = 3;
+inline constexpr int first_free_descriptor = STDERR_FILENO + 1;
 
 // The same file under a number that is none of the standard streams', closing the former; -1 when
 // there is none. A host with closed standard streams gets their numbers from open(), and a command
