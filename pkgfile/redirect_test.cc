@@ -1,5 +1,6 @@
 #include <errno.h>
 #include <fcntl.h>
+#include <stdlib.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -15,11 +16,6 @@ constexpr char capture_path[] = "/var/cache/opkg/.opkg_redirect";
 
 void put_text(int fd, const std::string &text) {
     ASSERT_EQ(write(fd, text.data(), text.size()), static_cast<ssize_t>(text.size()));
-}
-
-template <typename Work>
-int in_child(Work work) {
-    return Child([work](Child &) { return work(); }).wait();
 }
 
 }  // namespace
@@ -239,6 +235,24 @@ TEST_F(Redirect, WorksInAHostWithClosedStreams) {
                        : 1;
         });
         EXPECT_EQ(result, 0) << testing::PrintToString(closed);
+    }
+}
+
+TEST_F(Redirect, LetsCommandsWriteToAStreamThatWasClosed) {
+    const struct {
+        int closed;
+        const char *command;
+    } cases[] = {{1, "echo x"}, {2, "echo x >&2"}};
+    for (const auto &c : cases) {
+        const int result = in_child([&c] {
+            close(c.closed);
+            int32_t out = -1, err = -1;
+            return cmpnt_install_log_redirect(&out, &err) == 0 && system(c.command) == 0 &&
+                           read_file(capture_path) == "x\n"
+                       ? 0
+                       : 1;
+        });
+        EXPECT_EQ(result, 0) << c.closed;
     }
 }
 

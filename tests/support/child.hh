@@ -75,4 +75,10 @@ private:
     pid_t pid_ = -1;
 };
 
+// What the work returns, as the exit status of a process of its own.
+template <typename Work>
+int in_child(Work work) {
+    return Child([work](Child &) { return work(); }).wait();
+}
+
 #endif

@@ -9,6 +9,8 @@
 #include <sys/stat.h>
 #include <sys/statvfs.h>
 
+#include <algorithm>
+
 struct sqlite3;
 
 namespace {
@@ -34,6 +36,8 @@ WrappedFunction functions[] = {
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
     WRAPPED(vsnprintf),    WRAPPED(fseeko64),
 };
+const char *sequence[256];
+int sequence_length = 0;
 bool sleeps_are_skipped = false;
 unsigned seconds_slept = 0;
 bool space_is_told = false;
@@ -50,10 +54,19 @@ WrappedFunction *find(const char *name) {
     __builtin_trap();
 }
 
+// The names alone, and no memory taken: calloc comes through here too.
+void remember(const char *name) {
+    const int place = __atomic_fetch_add(&sequence_length, 1, __ATOMIC_RELAXED);
+    if (place < static_cast<int>(std::size(sequence))) {
+        sequence[place] = name;
+    }
+}
+
 // Counts the call; true when it is to fail, with errno set.
 bool fails(const char *name) {
     WrappedFunction *function = find(name);
     function->calls++;
+    remember(function->name);
     if (function->fail_from == 0 || function->calls < function->fail_from ||
         function->calls > function->fail_to) {
         return false;
@@ -75,6 +88,19 @@ void fail(const char *name, int call, int error, int times) {
 
 int calls(const char *name) { return find(name)->calls; }
 
+std::string order_of(std::initializer_list<const char *> names) {
+    std::string order;
+    const int known = std::min(sequence_length, static_cast<int>(std::size(sequence)));
+    for (int i = 0; i < known; i++) {
+        for (const char *name : names) {
+            if (find(name)->name == sequence[i]) {
+                order += (order.empty() ? "" : " ") + std::string(name);
+            }
+        }
+    }
+    return known < sequence_length ? order + " ..." : order;
+}
+
 void skip_sleeps() { sleeps_are_skipped = true; }
 
 unsigned slept() { return seconds_slept; }
@@ -89,6 +115,7 @@ void reset() {
     for (WrappedFunction &function : functions) {
         function = {function.name, 0, 0, 0, 0};
     }
+    sequence_length = 0;
     sleeps_are_skipped = false;
     seconds_slept = 0;
     space_is_told = false;

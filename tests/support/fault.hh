@@ -6,6 +6,9 @@
 #ifndef CMPNT_TESTS_FAULT_HH
 #define CMPNT_TESTS_FAULT_HH
 
+#include <initializer_list>
+#include <string>
+
 namespace fault {
 
 // The call-th next call of the function (1: the very next) fails with this errno, and so do the
@@ -14,6 +17,10 @@ void fail(const char *function, int call, int error, int times = 1);
 
 // Calls of the function since the last reset.
 int calls(const char *function);
+
+// The calls of these functions since the last reset in their order: "write fsync close". Ends in
+// "..." when there were more calls than are remembered.
+std::string order_of(std::initializer_list<const char *> functions);
 
 // sleep() returns at once, and is only counted.
 void skip_sleeps();

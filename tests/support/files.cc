@@ -55,8 +55,10 @@ std::vector<std::string> names_in(const std::string &directory) {
 }
 
 int open_descriptors() {
-    if (!exists("/proc/self/fd")) {
-        return -1;
+    int count = 0;
+    for (int fd = 0; fd < 1024; fd++) {
+        struct stat status;
+        count += fstat(fd, &status) == 0;
     }
-    return static_cast<int>(names_in("/proc/self/fd").size());
+    return count;
 }

@@ -17,6 +17,6 @@ bool exists(const std::string &path);            // lstat
 int mode_of(const std::string &path);            // permission bits; -1 when missing
 long long size_of(const std::string &path);      // -1 when missing
 std::vector<std::string> names_in(const std::string &directory);  // sorted
-int open_descriptors();  // how many this process has; -1 without /proc
+int open_descriptors();                                           // how many this process has
 
 #endif

@@ -30,8 +30,10 @@ int32_t record_syslog(SyslogCall call, va_list arguments) {
 }
 
 void record_mom(const char *operation, uint32_t store, int32_t number,
-                const ProtobufCMessage *message, vx_mom_callback callback) {
-    platform.mom.push_back({operation, store, number, message->descriptor->name, callback});
+                const ProtobufCMessage *message, vx_mom_callback callback, void *reserved,
+                void *context) {
+    platform.mom.push_back({operation, store, number, message->descriptor->name, callback, message,
+                            protobuf_c_message_get_packed_size(message), reserved, context});
 }
 
 }  // namespace
@@ -60,24 +62,29 @@ time_t vx_time_get(int32_t clock) {
     if (clock != 2) {
         return -1;
     }
-    return platform.clock != 0 ? platform.clock : time(nullptr);
+    if (platform.on_clock != nullptr) {
+        platform.on_clock();
+    }
+    const time_t now = platform.clock != 0 ? platform.clock : time(nullptr);
+    errno = EDOM;  // a clock is free to change it
+    return now;
 }
 
-int32_t vx_mom_subscribe(uint32_t store, int32_t count, const ProtobufCMessage *key, void *,
-                         vx_mom_callback callback, void *) {
-    record_mom("subscribe", store, count, key, callback);
+int32_t vx_mom_subscribe(uint32_t store, int32_t count, const ProtobufCMessage *key, void *reserved,
+                         vx_mom_callback callback, void *context) {
+    record_mom("subscribe", store, count, key, callback, reserved, context);
     return platform.subscribe_result;
 }
 
 int32_t vx_mom_hgetall(uint32_t store, int32_t count, const ProtobufCMessage *key,
-                       vx_mom_callback callback, void *) {
-    record_mom("hgetall", store, count, key, callback);
+                       vx_mom_callback callback, void *context) {
+    record_mom("hgetall", store, count, key, callback, nullptr, context);
     return platform.hgetall_result;
 }
 
-int32_t vx_mom_set(uint32_t store, int32_t operation, const ProtobufCMessage *message, void *,
-                   void *) {
-    record_mom("set", store, operation, message, nullptr);
+int32_t vx_mom_set(uint32_t store, int32_t operation, const ProtobufCMessage *message,
+                   void *reserved, void *context) {
+    record_mom("set", store, operation, message, nullptr, reserved, context);
     return 0;
 }
 

@@ -23,6 +23,10 @@ struct MomCall {
     int32_t number;
     std::string message_name;  // of the key's or message's descriptor
     vx_mom_callback callback;
+    const ProtobufCMessage *message;  // its address; what it holds may be gone
+    size_t packed_size;
+    void *reserved;  // null where there is none
+    void *context;
 };
 
 struct TimerCall {
@@ -45,6 +49,8 @@ struct PlatformRecorder {
     int32_t switch_result = 0;
     // Called by the log printers, for what a platform might do inside them.
     void (*on_syslog)() = nullptr;
+    // Called by the clock, with the library's lock held.
+    void (*on_clock)() = nullptr;
 };
 
 extern PlatformRecorder platform;
