@@ -13,6 +13,12 @@ namespace {
 constexpr char remover[] = "cmpnt_remove";  // whose steps these are
 constexpr size_t child_path_size = 512;
 
+int32_t remove_existing(const char *path);
+
+bool is_there(const char *path) {
+    return file_is_exist(path) != 0 || is_dir(path) != 0 || is_link(path) != 0;
+}
+
 // A child whose path does not fit is not tried: cut, the path could be another file's, or that of
 // the directory itself, for ever.
 int32_t remove_child(const char *directory, const char *name) {
@@ -21,7 +27,7 @@ int32_t remove_child(const char *directory, const char *name) {
     if (length < 0 || static_cast<size_t>(length) >= sizeof(path)) {
         return -1;
     }
-    return cmpnt_remove(path);
+    return is_there(path) ? remove_existing(path) : 0;
 }
 
 int32_t remove_directory(const char *path) {
@@ -48,24 +54,51 @@ int32_t remove_directory(const char *path) {
     return 0;
 }
 
-bool has_trailing_slash(const char *path) {
-    const size_t length = strlen(path);
-    return length > 1 && path[length - 1] == '/';
+int32_t remove_existing(const char *path) {
+    struct stat status;
+    if (lstat(path, &status) != 0) {
+        CMPNT_LOG_AS(log_error, remover, "lstat error, target(%s), errno(%s)\n", path,
+                     strerror(errno));
+        return -1;
+    }
+    if (S_ISDIR(status.st_mode)) {
+        return remove_directory(path);
+    }
+    if (remove(path) != 0) {
+        CMPNT_LOG_AS(log_error, remover, "remove error, target(%s), error(%s)\n", path,
+                     strerror(errno));
+    }
+    return 0;
 }
 
-// With a slash behind its name a link would be followed, and its target emptied.
-int32_t remove_without_trailing_slashes(const char *path) {
-    char stripped[PATH_MAX];
-    size_t length = strlen(path);
-    if (length >= sizeof(stripped)) {
-        return 0;  // nothing can have such a path
-    }
+bool names_link(const char *path) {
+    struct stat status;
+    return lstat(path, &status) == 0 && S_ISLNK(status.st_mode);
+}
+
+size_t length_without_slashes(const char *path, size_t length) {
     while (length > 1 && path[length - 1] == '/') {
         length--;
     }
-    memcpy(stripped, path, length);
-    stripped[length] = '\0';
-    return cmpnt_remove(stripped);
+    return length;
+}
+
+// Cuts the slashes behind the path's name, and "/." too behind a link's: with them the link would be
+// followed, and its target emptied.
+void cut_behind_name(char *path) {
+    const size_t length = length_without_slashes(path, strlen(path));
+    path[length] = '\0';
+    size_t name = length;
+    while (name > 2 && path[name - 1] == '.' && path[name - 2] == '/') {
+        name = length_without_slashes(path, name - 1);
+    }
+    if (name == length) {
+        return;
+    }
+    path[name] = '\0';
+    if (!names_link(path)) {
+        path[name] = '/';
+    }
 }
 
 }  // namespace
@@ -75,22 +108,12 @@ int32_t cmpnt_remove(const char *path) {
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    if (has_trailing_slash(path)) {
-        return remove_without_trailing_slashes(path);
+    char name[PATH_MAX];
+    const size_t size = strlen(path) + 1;
+    if (size > sizeof(name) || !is_there(path)) {
+        return 0;  // nothing can have a longer path
     }
-    if (file_is_exist(path) == 0 && is_dir(path) == 0 && is_link(path) == 0) {
-        return 0;
-    }
-    struct stat status;
-    if (lstat(path, &status) != 0) {
-        CMPNT_LOG(log_error, "lstat error, target(%s), errno(%s)\n", path, strerror(errno));
-        return -1;
-    }
-    if (S_ISDIR(status.st_mode)) {
-        return remove_directory(path);
-    }
-    if (remove(path) != 0) {
-        CMPNT_LOG(log_error, "remove error, target(%s), error(%s)\n", path, strerror(errno));
-    }
-    return 0;
+    memcpy(name, path, size);
+    cut_behind_name(name);
+    return remove_existing(name);
 }
