@@ -48,11 +48,11 @@ int32_t cmpnt_copy_file_by_write(const char *source, const char *destination) {
         return -1;
     }
     const int32_t last = copy_blocks(from.get(), to.get());
-    if (last == -1) {
+    // A disk may turn out full only now.
+    if (last == -1 || fflush(to.get()) != 0) {
         CMPNT_LOG(log_error, "fwrite fail, error(%s)\n", strerror(errno));
         return -1;
     }
-    fflush(to.get());
     cmpnt_fsync(fileno(to.get()));
     if (chmod(destination, copy_mode) != 0) {
         CMPNT_LOG(log_error, "chmod fail, error(%s)\n", strerror(errno));
