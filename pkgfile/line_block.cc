@@ -7,8 +7,9 @@ namespace {
 
 size_t held(const LineBlock &block) { return static_cast<size_t>(block.end - block.next); }
 
-// Moves what is held to the front and reads more behind it; false when there is no room or no more.
-bool refill(LineBlock &block) {
+}  // namespace
+
+bool refill_block(LineBlock &block) {
     if (block.failed) {
         return false;
     }
@@ -22,20 +23,10 @@ bool refill(LineBlock &block) {
     return count > 0;
 }
 
-}  // namespace
-
-TextLine line_across_blocks(LineBlock &block, size_t longest) {
-    const char *end = strchrnul(block.next, '\n');
-    if (end != block.end || !refill(block)) {
-        return {nullptr, 0};
-    }
-    return next_line_in_block(block, longest);
-}
-
 char *gets_from_block(LineBlock &block, char *destination, size_t size) {
     size_t length = 0;
     bool ended = false;
-    while (!ended && length < size - 1 && (held(block) > 0 || refill(block))) {
+    while (!ended && length < size - 1 && (held(block) > 0 || refill_block(block))) {
         const size_t room = size - 1 - length;
         const size_t count = held(block) < room ? held(block) : room;
         const char *newline = static_cast<const char *>(memchr(block.next, '\n', count));

@@ -8,7 +8,7 @@ struct LineFile {
     const char *path;
     TextLineHandler handler;
     void *record;
-    size_t zeroed;  // bytes of the record to zero once the file is open
+    size_t zeroed;  // bytes of the record to zero once the file and the buffers are there
 };
 
 // Messages bear the caller's name.

@@ -11,9 +11,26 @@ namespace {
 constexpr char reader_name[] = "parse_info_from_stream";
 constexpr size_t largest_size_that_grows = 0xFFFFF;
 
+// What lines are read from: a host's stream, of which no more is taken than the lines handed over, or
+// a block of our own, which leaves most lines where they lie.
+TextLine whole_line(FILE *, size_t) { return {nullptr, 0}; }
+TextLine whole_line(LineBlock *block, size_t longest) {
+    return next_line_in_block(*block, longest);
+}
+
+char *get_text(FILE *stream, char *text, size_t size) {
+    return fgets(text, static_cast<int>(size), stream);
+}
+char *get_text(LineBlock *block, char *text, size_t size) {
+    return gets_from_block(*block, text, size);
+}
+
+bool has_failed(FILE *stream) { return ferror(stream) != 0; }
+bool has_failed(const LineBlock *block) { return block->failed; }
+
+template <typename Source>
 struct LineReader {
-    FILE *stream;
-    LineBlock *block;  // of the stream's file, or null
+    Source *source;
     char *&buffer;
     size_t size;
     TextLine line;
@@ -23,8 +40,9 @@ struct LineReader {
 enum class Next { line, line_without_newline, end, failure, no_memory };
 
 // What the end of the stream means with `held` characters of a line in the buffer.
-Next end_of_stream(const LineReader &reader, size_t held) {
-    if (ferror(reader.stream) || (reader.block != nullptr && reader.block->failed)) {
+template <typename Source>
+Next end_of_stream(const LineReader<Source> &reader, size_t held) {
+    if (has_failed(reader.source)) {
         CMPNT_LOG_AS(log_error, reader_name, "fgets fail.\n");
         return Next::failure;
     }
@@ -43,29 +61,25 @@ void *xrealloc(void *block, size_t size) {
     return grown;
 }
 
-bool grow(LineReader &reader) {
-    char *grown = static_cast<char *>(xrealloc(reader.buffer, reader.size * 2));
+bool grow(char *&buffer, size_t &size) {
+    char *grown = static_cast<char *>(xrealloc(buffer, size * 2));
     if (grown == nullptr) {
         return false;
     }
-    reader.buffer = grown;
-    reader.size *= 2;
+    buffer = grown;
+    size *= 2;
     return true;
 }
 
-char *get_text(LineReader &reader, char *text, size_t size) {
-    return reader.block != nullptr ? gets_from_block(*reader.block, text, size)
-                                   : fgets_unlocked(text, static_cast<int>(size), reader.stream);
-}
-
 // Reads one line, however long, into the buffer and ends it at its newline.
-Next line_into_buffer(LineReader &reader) {
+template <typename Source>
+Next line_into_buffer(LineReader<Source> &reader) {
     size_t held = 0;
     reader.buffer[0] = '\0';
     for (;;) {
         char *text = reader.buffer + held;
         const size_t room = reader.size - held - 1;
-        if (get_text(reader, text, room + 1) == nullptr) {
+        if (get_text(reader.source, text, room + 1) == nullptr) {
             reader.line = {reader.buffer, held};
             return end_of_stream(reader, held);
         }
@@ -86,39 +100,22 @@ Next line_into_buffer(LineReader &reader) {
                          "Excessively long line at %d. maybe corrupt file.\n", reader.line_number);
             return Next::failure;
         }
-        if (!grow(reader)) {
+        if (!grow(reader.buffer, reader.size)) {
             return Next::no_memory;
         }
     }
 }
 
-// A line that would fit the buffer is left where it lies.
-Next next_line(LineReader &reader) {
-    if (reader.block != nullptr) {
-        reader.line = next_line_in_block(*reader.block, reader.size - 2);
-        if (reader.line.text != nullptr) {
-            return Next::line;
-        }
-    }
-    return line_into_buffer(reader);
+// A line that would fit the buffer may stay where it lies.
+template <typename Source>
+Next next_line(LineReader<Source> &reader) {
+    reader.line = whole_line(reader.source, reader.size - 2);
+    return reader.line.text != nullptr ? Next::line : line_into_buffer(reader);
 }
 
-// A host's handler behind ours.
-struct HostReceiver {
-    cmpnt_line_handler handler;
-    void *record;
-};
-
-int32_t call_host(void *receiver, TextLine line, cmpnt_file_param *param) {
-    const HostReceiver *host = static_cast<HostReceiver *>(receiver);
-    return host->handler(host->record, line.text, param);
-}
-
-}  // namespace
-
-int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
-                   char *&line_buffer) {
-    LineReader reader = {stream, block, line_buffer, line_buffer_size, {}, 1};
+template <typename Source>
+int32_t read_source(const LineReceiver &receiver, Source *source, char *&line_buffer) {
+    LineReader<Source> reader = {source, line_buffer, line_buffer_size, {}, 1};
     for (;;) {
         switch (next_line(reader)) {
             case Next::line: {
@@ -131,6 +128,9 @@ int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
                 }
                 if (result != 0) {
                     return 0;
+                }
+                if (reader.buffer == nullptr) {
+                    return -1;  // lost by a handler that read into it as well
                 }
                 break;
             }
@@ -147,6 +147,27 @@ int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
     }
 }
 
+// A host's handler behind ours.
+struct HostReceiver {
+    cmpnt_line_handler handler;
+    void *record;
+};
+
+int32_t call_host(void *receiver, TextLine line, cmpnt_file_param *param) {
+    const HostReceiver *host = static_cast<HostReceiver *>(receiver);
+    return host->handler(host->record, line.text, param);
+}
+
+}  // namespace
+
+int32_t read_lines(const LineReceiver &receiver, FILE *source, char *&line_buffer) {
+    return read_source(receiver, source, line_buffer);
+}
+
+int32_t read_lines(const LineReceiver &receiver, LineBlock *source, char *&line_buffer) {
+    return read_source(receiver, source, line_buffer);
+}
+
 int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *stream,
                                char **line_buffer, cmpnt_file_param *param) {
     if (handler == nullptr || stream == nullptr || line_buffer == nullptr ||
@@ -154,7 +175,7 @@ int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *s
         return -1;
     }
     HostReceiver host = {handler, record};
-    const int32_t result = read_lines({call_host, &host, param}, stream, nullptr, *line_buffer);
+    const int32_t result = read_lines({call_host, &host, param}, stream, *line_buffer);
     if (result == read_without_memory) {
         *line_buffer = nullptr;
     }

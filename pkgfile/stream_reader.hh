@@ -18,11 +18,10 @@ struct LineReceiver {
     cmpnt_file_param *param;
 };
 
-// As parse_info_from_stream, but the buffer stays the caller's to free in every outcome. With a block
-// of the stream's file, which nothing has been read of, lines are taken from there.
+// As parse_info_from_stream, but the buffer stays the caller's to free in every outcome.
 // Results: 0, -1, and read_without_memory when the buffer could not grow.
 inline constexpr int32_t read_without_memory = -2;
-int32_t read_lines(const LineReceiver &receiver, FILE *stream, LineBlock *block,
-                   char *&line_buffer);
+int32_t read_lines(const LineReceiver &receiver, FILE *source, char *&line_buffer);
+int32_t read_lines(const LineReceiver &receiver, LineBlock *source, char *&line_buffer);
 
 #endif
