@@ -4,7 +4,6 @@
 
 #include <stdio.h>
 
-FILE *open_to_read(const char *path);    // as fopen with "r"
-FILE *open_to_update(const char *path);  // as fopen with "r+"
+FILE *open_to_read(const char *path);  // as fopen with "r"
 
 #endif

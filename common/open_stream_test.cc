@@ -27,21 +27,9 @@ TEST_F(OpenStream, ReadsAFile) {
     EXPECT_LT(fputs("x", stream.get()), 0);
 }
 
-TEST_F(OpenStream, UpdatesAFile) {
-    write_file("/tmp/file", "text");
-    {
-        Stream stream(open_to_update("/tmp/file"));
-        ASSERT_TRUE(stream);
-        fputs("n", stream.get());
-    }
-    EXPECT_EQ(read_file("/tmp/file"), "next");
-}
-
 TEST_F(OpenStream, FailsAsFopenDoes) {
     EXPECT_EQ(open_to_read("/tmp/missing"), nullptr);
     EXPECT_EQ(errno, ENOENT);
-    EXPECT_EQ(open_to_update("/tmp"), nullptr);
-    EXPECT_EQ(errno, EISDIR);
     EXPECT_FALSE(exists("/tmp/missing"));
 }
 
@@ -51,7 +39,4 @@ TEST_F(OpenStream, DoesNotWaitForAPipe) {
     Stream reader(open_to_read("/tmp/pipe"));
     ASSERT_TRUE(reader);
     EXPECT_EQ(fgets(text, sizeof(text), reader.get()), nullptr);
-    Stream updater(open_to_update("/tmp/pipe"));
-    ASSERT_TRUE(updater);
-    EXPECT_EQ(fgets(text, sizeof(text), updater.get()), nullptr);
 }
