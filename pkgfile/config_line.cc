@@ -17,18 +17,21 @@ struct ConfigField {
     bool may_fail;  // an empty value is no reason to stop
 };
 
+#define CONFIG_FIELD(letter, name, record, member, may_fail)                                       \
+    { letter, name, offsetof(record, member), sizeof(record::member), may_fail }
 constexpr ConfigField product_fields[] = {
-    {'p', "Product", offsetof(cmpnt_product_type, product), 64, false},
-    {'t', "Type", offsetof(cmpnt_product_type, type), 32, false},
+    CONFIG_FIELD('p', "Product", cmpnt_product_type, product, false),
+    CONFIG_FIELD('t', "Type", cmpnt_product_type, type, false),
 };
 
 constexpr ConfigField history_fields[] = {
-    {'c', "Cmd", offsetof(cmpnt_history, cmd), 32, false},
-    {'m', "Msg", offsetof(cmpnt_history, msg), 128, true},
-    {'p', "Patch", offsetof(cmpnt_history, patch), 80, false},
-    {'s', "Smu_name", offsetof(cmpnt_history, patch), 80, true},
-    {'t', "Time", offsetof(cmpnt_history, time), 32, false},
+    CONFIG_FIELD('c', "Cmd", cmpnt_history, cmd, false),
+    CONFIG_FIELD('m', "Msg", cmpnt_history, msg, true),
+    CONFIG_FIELD('p', "Patch", cmpnt_history, patch, false),
+    CONFIG_FIELD('s', "Smu_name", cmpnt_history, patch, true),
+    CONFIG_FIELD('t', "Time", cmpnt_history, time, false),
 };
+#undef CONFIG_FIELD
 
 template <size_t count>
 const ConfigField *field_of_letter(const ConfigField (&fields)[count], char letter) {
@@ -97,7 +100,7 @@ int32_t cmpnt_parse_config_file(void *record, char *line, cmpnt_file_param *para
     if (line_is_blank(line)) {
         return cmpnt_config_blank_line_deal(record, mode);
     }
-    const char letter = static_cast<char>(line[0] | 0x20);
+    const char letter = lower_case(line[0]);
     const ConfigField *field = mode <= config_last_product
                                    ? field_of_letter(product_fields, letter)
                                    : field_of_letter(history_fields, letter);

@@ -63,9 +63,7 @@ constexpr FirstRows find_first_rows() {
 
 constexpr FirstRows first_rows = find_first_rows();
 
-char lower_case(char letter) { return static_cast<char>(letter | 0x20); }
-
-bool value_of(TextLine line, size_t name_length, FieldValue &value) {
+bool value_of(TextLine line, size_t name_length, FieldText &value) {
     value = field_value(line.text, line.length, name_length);
     if (value.length > 0) {
         return true;
@@ -75,7 +73,7 @@ bool value_of(TextLine line, size_t name_length, FieldValue &value) {
 }
 
 int32_t take_text(TextLine line, size_t name_length, char *destination, size_t size) {
-    FieldValue value;
+    FieldText value;
     if (!value_of(line, name_length, value)) {
         return handler_stop;
     }
@@ -118,7 +116,7 @@ int32_t take_field(const ControlField &field, TextLine line, int32_t mode,
     if (field.kind == Kind::owned_text) {
         return take_owned_text(line, field.name_length, mode, member);
     }
-    FieldValue value;
+    FieldText value;
     if (!value_of(line, field.name_length, value)) {
         return handler_stop;
     }

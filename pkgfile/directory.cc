@@ -36,11 +36,12 @@ int32_t is_dir(const char *path) {
 }
 
 int32_t cmpnt_mkdir(const char *path) {
-    if (path == nullptr || strlen(path) >= CMPNT_PATH_SIZE - 1) {
+    const size_t length = path == nullptr ? 0 : strlen(path);
+    if (path == nullptr || length >= CMPNT_PATH_SIZE - 1) {
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    if (strlen(path) >= CMPNT_PATH_SIZE) {
+    if (length >= CMPNT_PATH_SIZE) {
         CMPNT_LOG(log_error, "dir(%s) length is too long.\n", path);
         return -1;
     }
@@ -48,12 +49,11 @@ int32_t cmpnt_mkdir(const char *path) {
         return 0;
     }
     char buffer[CMPNT_PATH_SIZE] = {};
-    size_t length = strlen(path);
     memcpy(buffer, path, length);
     if (length == 0 || buffer[length - 1] != '/') {
-        buffer[length++] = '/';
+        buffer[length] = '/';
     }
-    if (length < 2) {
+    if (buffer[1] == '\0') {
         return 0;
     }
     if (make_each_directory(buffer) != 0) {

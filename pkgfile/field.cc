@@ -21,7 +21,7 @@ char *xstrndup(const char *text, size_t length) {
 
 // A new copy of the line's value, or null.
 char *parse_simple(const char *field, const char *line) {
-    const FieldValue value = field_value(line, strlen(line), strlen(field));
+    const FieldText value = field_value(line, strlen(line), strlen(field));
     if (value.length == 0) {
         return nullptr;
     }
@@ -33,14 +33,8 @@ char *parse_simple(const char *field, const char *line) {
 }
 
 bool is_trimmed_text(const char *text, size_t length, const char *field) {
-    while (length > 0 && is_space(text[length - 1])) {
-        length--;
-    }
-    while (length > 0 && is_space(*text)) {
-        text++;
-        length--;
-    }
-    return strncmp(text, field, length) == 0 && field[length] == '\0';
+    const FieldText key = trimmed(text, length);
+    return strncmp(key.text, field, key.length) == 0 && field[key.length] == '\0';
 }
 
 const char *find_separator(const char *text, const char *separators) {

@@ -11,8 +11,8 @@
 inline constexpr int32_t piece_limit = 80;
 inline constexpr size_t shortest_overfull_line = piece_limit - 1;
 
-// The trimmed value of a line, inside the line; its length is 0 when there is none.
-struct FieldValue {
+// A part of a line: its value has length 0 when there is none.
+struct FieldText {
     const char *text;
     size_t length;
 };
@@ -23,20 +23,26 @@ inline bool is_space(char c) {
     return (byte <= ' ' || byte > '~') && isspace(byte) != 0;
 }
 
+// The letters' lower case; other characters become others.
+inline char lower_case(char letter) { return static_cast<char>(letter | 0x20); }
+
+inline FieldText trimmed(const char *text, size_t length) {
+    const char *end = text + length;
+    while (text < end && is_space(*text)) {
+        text++;
+    }
+    while (end > text && is_space(end[-1])) {
+        end--;
+    }
+    return {text, static_cast<size_t>(end - text)};
+}
+
 // The value starts one character, the colon, behind the field's name; neither is compared.
-inline FieldValue field_value(const char *line, size_t length, size_t field_length) {
+inline FieldText field_value(const char *line, size_t length, size_t field_length) {
     if (length <= field_length) {
         return {line, 0};  // the name alone: a value would lie behind the line's end
     }
-    const char *start = line + field_length + 1;
-    const char *end = line + length;
-    while (start < end && is_space(*start)) {
-        start++;
-    }
-    while (end > start && is_space(end[-1])) {
-        end--;
-    }
-    return {start, static_cast<size_t>(end - start)};
+    return trimmed(line + field_length + 1, length - field_length - 1);
 }
 
 inline bool line_is_blank(const char *line) {
