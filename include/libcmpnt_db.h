@@ -510,9 +510,10 @@ typedef int32_t (*cmpnt_line_handler)(void *record, char *line, cmpnt_file_param
 CMPNT_API int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *stream,
                                          char **line_buffer, cmpnt_file_param *param);
 
-/* Parses a control, status or file-list file into record, which is zeroed once the file is open. The
- * file must be writable. 0 also when what was looked for is not there: compare the record's name,
- * for a last paragraph without a blank line behind it stays in the record whatever it is. */
+/* Parses a control, status or file-list file into record, which is zeroed once the file is open and
+ * the line buffer is there. The file must be writable. 0 also when what was looked for is not there:
+ * compare the record's name, for a last paragraph without a blank line behind it stays in the record
+ * whatever it is. */
 CMPNT_API int32_t parse_pkg_info_from_file(cmpnt_control_info *record, const char *path,
                                            cmpnt_file_param *param);
 
@@ -531,7 +532,7 @@ CMPNT_API int32_t cmpnt_parse_str_field(const char *field, const char *line, cha
                                         int32_t size);
 
 /* 1 when the line's key, the trimmed text before the first separator, is exactly field. A line of 80
- * pieces or more is no field. */
+ * pieces or more within its first 1023 bytes is no field. */
 CMPNT_API int32_t cmpnt_is_field(const char *field, const char *line, const char *separator);
 
 CMPNT_API int32_t str_is_same(const char *a, const char *b, int32_t n); /* 1: the first n bytes */
@@ -560,16 +561,18 @@ CMPNT_API int32_t is_link(const char *path); /* null gives 0 */
 /* mkdir -p, mode 0777 less the umask, for paths of up to 258 bytes. A plain file of that name passes. */
 CMPNT_API int32_t cmpnt_mkdir(const char *path);
 
-/* rm -rf of one path; links are removed, never followed. Removing what is not there succeeds, and so
- * does a removal that failed halfway (it is logged); -1 for null or when the path cannot be looked at
- * or opened. */
+/* rm -rf of one path; links are removed, never followed, not even with slashes or "/." behind their
+ * name. Removing what is not there succeeds ("file/" of a plain file is not there), and so does a
+ * removal that failed halfway (it is logged); -1 for null or when the path cannot be looked at or
+ * opened. */
 CMPNT_API int32_t cmpnt_remove(const char *path);
 
 CMPNT_API int32_t cmpnt_rename(const char *old_path, const char *new_path);
 CMPNT_API int32_t cmpnt_chdir(const char *path);
 
 /* Copies a file byte for byte, syncs it and gives it mode 0777. -1, or the size of the last block
- * copied: test for -1 alone. Source and destination must not be the same file: it would be emptied. */
+ * copied: test for -1 alone. A read error ends the copy as the end of the file does. Source and
+ * destination must not be the same file: it would be emptied. */
 CMPNT_API int32_t cmpnt_copy_file_by_write(const char *source, const char *destination);
 
 /* "cp -rf" of a file or directory; the paths are double-quoted for the shell. -1 when both together
