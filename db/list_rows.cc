@@ -5,18 +5,6 @@
 #include "libcmpnt_db.h"
 #include "list/upgrade_list.hh"
 
-namespace {
-
-void copy_record(const void *record, cmpnt_upgrade_value *value) {
-    *value = *static_cast<const cmpnt_upgrade_value *>(record);
-}
-
-UpgradeRecordSource copy_of(const cmpnt_upgrade_value &record) {
-    return {record.patch_name, record.pkg_name, record.state_name, copy_record, &record};
-}
-
-}  // namespace
-
 bool RowReader::read(const Row &row, const char *callback) {
     if (row.is_null()) {
         CMPNT_LOG_AS(log_error, callback, "input param is null.\n");
@@ -31,7 +19,7 @@ int select_current_callback(void *list_load, int columns, char **values, char **
     if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_to_upgrade_list_by_pkg_name(copy_of(load.record), &load.names);
+    cmpnt_add_to_upgrade_list_by_pkg_name(load.record, &load.names);
     return 0;
 }
 
@@ -40,7 +28,7 @@ int select_all_to_list_callback(void *list_load, int columns, char **values, cha
     if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_upgrade_value_to_list(copy_of(load.record), CMPNT_UPGRADE_LIST, &load.names);
+    cmpnt_add_upgrade_value_to_list(load.record, CMPNT_UPGRADE_LIST, &load.names);
     return 0;
 }
 
@@ -58,6 +46,6 @@ int select_all_to_hp_list_callback(void *list_load, int columns, char **values, 
     if (!load.read({columns, values, names}, __func__)) {
         return -1;
     }
-    cmpnt_add_upgrade_value_to_list(copy_of(load.record), CMPNT_HP_LIST, &load.names);
+    cmpnt_add_upgrade_value_to_list(load.record, CMPNT_HP_LIST, &load.names);
     return 0;
 }

@@ -2,7 +2,7 @@
 // walk from the head without the walk.
 //
 //     NameIndex index(&cmpnt_upgrade_list, NameKey::patch_and_package);
-//     ... cmpnt_add_upgrade_value_to_list(source, CMPNT_UPGRADE_LIST, &index) for each row ...
+//     ... cmpnt_add_upgrade_value_to_list(record, CMPNT_UPGRADE_LIST, &index) for each row ...
 //
 // While it lives, nodes are only appended to the list, and each is told to it. A short list is walked
 // and costs no memory; when memory is out, any list is.

@@ -159,18 +159,6 @@ protected:
         }
     }
 
-    static UpgradeRecordSource source_of(const cmpnt_upgrade_value &row) {
-        return {row.patch_name, row.pkg_name, row.state_name,
-                [](const void *context, cmpnt_upgrade_value *value) {
-                    const auto *record = static_cast<const cmpnt_upgrade_value *>(context);
-                    EXPECT_EQ(
-                        cmpnt_name_is_null(reinterpret_cast<const char *>(value), sizeof(*value)),
-                        1);
-                    *value = *record;
-                },
-                &row};
-    }
-
     std::vector<cmpnt_upgrade_value> rows;
 };
 
@@ -183,7 +171,7 @@ TEST_F(IndexedLoad, AddsWhatTheExportedFunctionAddsAndSaysWhatItSays) {
     forget_log();
     NameIndex index(&cmpnt_hp_list, NameKey::patch_and_package);
     for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_upgrade_value_to_list(source_of(row), CMPNT_HP_LIST, &index), 0);
+        EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_HP_LIST, &index), 0);
     }
     EXPECT_EQ(records_of(cmpnt_hp_list), records_of(cmpnt_upgrade_list));
     EXPECT_EQ(trace_messages(), said);
@@ -199,27 +187,19 @@ TEST_F(IndexedLoad, AddsByPackageAsTheExportedFunctionDoes) {
     forget_log();
     NameIndex index(&cmpnt_upgrade_list, NameKey::package);
     for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_to_upgrade_list_by_pkg_name(source_of(row), &index), 0);
+        EXPECT_EQ(cmpnt_add_to_upgrade_list_by_pkg_name(row, &index), 0);
     }
     EXPECT_EQ(records_of(cmpnt_upgrade_list), added);
     EXPECT_EQ(trace_messages(), said);
-}
-
-TEST_F(IndexedLoad, AddsByVersionAsTheExportedFunctionDoes) {
-    set_text(rows[3].state_name, "installed");
-    for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_to_list_by_pkg_version(source_of(row)), 0);
-    }
-    EXPECT_EQ(records_of(cmpnt_upgrade_list).size(), rows.size() - 1);
 }
 
 TEST_F(IndexedLoad, DoesNotTellTheIndexOfANodeThatWasNotMade) {
     NameIndex index(&cmpnt_upgrade_list, NameKey::patch_and_package);
     const cmpnt_upgrade_value row = upgrade_record("smu", "pkg");
     fault::fail("calloc", 1, ENOMEM);
-    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(source_of(row), CMPNT_UPGRADE_LIST, &index), -1);
+    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_UPGRADE_LIST, &index), -1);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_add_upgrade_value_to_list",
                        "insert_cmpnt_upgrade_db_to_list fail.\n"));
-    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(source_of(row), CMPNT_UPGRADE_LIST, &index), 0);
+    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_UPGRADE_LIST, &index), 0);
     EXPECT_EQ(records_of(cmpnt_upgrade_list).size(), 1u);
 }

@@ -8,18 +8,10 @@
 
 namespace {
 
-void copy_record(const void *context, cmpnt_upgrade_value *value) {
-    *value = *static_cast<const cmpnt_upgrade_value *>(context);
-}
-
-UpgradeRecordSource copy_of(const cmpnt_upgrade_value *record) {
-    return {record->patch_name, record->pkg_name, record->state_name, copy_record, record};
-}
-
 const cmpnt_upgrade_node *find_node(const cmpnt_list_head *list, const NameIndex *index,
-                                    NameKey key, const UpgradeRecordSource &source) {
-    return index != nullptr ? index->find(source.patch_name, source.pkg_name)
-                            : first_node_with_names(list, key, source.patch_name, source.pkg_name);
+                                    NameKey key, const cmpnt_upgrade_value &record) {
+    return index != nullptr ? index->find(record.patch_name, record.pkg_name)
+                            : first_node_with_names(list, key, record.patch_name, record.pkg_name);
 }
 
 void tell_new_tail(NameIndex *index, const cmpnt_list_head *list) {
@@ -52,8 +44,8 @@ static cmpnt_upgrade_node *malloc_cmpnt_node() {
 }
 
 static bool cmpnt_search_list_by_smu_pkg(const cmpnt_list_head *list, const NameIndex *index,
-                                         const UpgradeRecordSource &source) {
-    const cmpnt_upgrade_node *node = find_node(list, index, NameKey::patch_and_package, source);
+                                         const cmpnt_upgrade_value &record) {
+    const cmpnt_upgrade_node *node = find_node(list, index, NameKey::patch_and_package, record);
     if (node == nullptr) {
         return false;
     }
@@ -63,13 +55,13 @@ static bool cmpnt_search_list_by_smu_pkg(const cmpnt_list_head *list, const Name
 }
 
 static bool search_cmpnt_upgrade_list_by_pkg_name(const NameIndex *index,
-                                                  const UpgradeRecordSource &source) {
+                                                  const cmpnt_upgrade_value &record) {
     if (list_is_empty(&cmpnt_upgrade_list)) {
         CMPNT_LOG(log_trace, "upgrade list is null\n");
         return false;
     }
     const cmpnt_upgrade_node *node =
-        find_node(&cmpnt_upgrade_list, index, NameKey::package, source);
+        find_node(&cmpnt_upgrade_list, index, NameKey::package, record);
     if (node == nullptr) {
         return false;
     }
@@ -78,13 +70,17 @@ static bool search_cmpnt_upgrade_list_by_pkg_name(const NameIndex *index,
 }
 
 // A list that nobody knows takes nothing, and that is no failure.
-int32_t insert_cmpnt_upgrade_db_to_list(const UpgradeRecordSource &source, int32_t list) {
+int32_t insert_cmpnt_upgrade_db_to_list(const cmpnt_upgrade_value *record, int32_t list) {
+    if (record == nullptr) {
+        CMPNT_LOG(log_error, "param is null\n");
+        return -1;
+    }
     OwnedUpgradeNode node(malloc_cmpnt_node());
     if (!node) {
         CMPNT_LOG(log_error, "malloc_cmpnt_node failed!\n");
         return -1;
     }
-    source.write(source.context, &node.get()->value);
+    node.get()->value = *record;
     cmpnt_list_head *head = selected_list(list);
     if (head != nullptr) {
         list_append(head, &node.release()->link);
@@ -92,15 +88,15 @@ int32_t insert_cmpnt_upgrade_db_to_list(const UpgradeRecordSource &source, int32
     return 0;
 }
 
-int32_t cmpnt_add_upgrade_value_to_list(const UpgradeRecordSource &source, int32_t list,
+int32_t cmpnt_add_upgrade_value_to_list(const cmpnt_upgrade_value &record, int32_t list,
                                         NameIndex *index) {
     const cmpnt_list_head *head = selected_list(list);
     if (head == nullptr) {
         CMPNT_LOG(log_error, "list is null.\n");
-    } else if (cmpnt_search_list_by_smu_pkg(head, index, source)) {
+    } else if (cmpnt_search_list_by_smu_pkg(head, index, record)) {
         return 0;
     }
-    if (insert_cmpnt_upgrade_db_to_list(source, list) != 0) {
+    if (insert_cmpnt_upgrade_db_to_list(&record, list) != 0) {
         CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
         return -1;
     }
@@ -110,43 +106,12 @@ int32_t cmpnt_add_upgrade_value_to_list(const UpgradeRecordSource &source, int32
     return 0;
 }
 
-int32_t cmpnt_add_to_list_by_pkg_version(const UpgradeRecordSource &source) {
-    if (strcmp(source.state_name, "installed") == 0) {
-        return 0;
-    }
-    if (insert_cmpnt_upgrade_db_to_list(source, CMPNT_UPGRADE_LIST) != 0) {
-        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
-        return -1;
-    }
-    return 0;
-}
-
-int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const UpgradeRecordSource &source, NameIndex *index) {
-    if (search_cmpnt_upgrade_list_by_pkg_name(index, source)) {
-        return 0;
-    }
-    if (insert_cmpnt_upgrade_db_to_list(source, CMPNT_UPGRADE_LIST) != 0) {
-        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
-        return -1;
-    }
-    tell_new_tail(index, &cmpnt_upgrade_list);
-    return 0;
-}
-
-int32_t insert_cmpnt_upgrade_db_to_list(const cmpnt_upgrade_value *record, int32_t list) {
-    if (record == nullptr) {
-        CMPNT_LOG(log_error, "param is null\n");
-        return -1;
-    }
-    return insert_cmpnt_upgrade_db_to_list(copy_of(record), list);
-}
-
 int32_t cmpnt_add_upgrade_value_to_list(const cmpnt_upgrade_value *record, int32_t list) {
     if (record == nullptr) {
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    return cmpnt_add_upgrade_value_to_list(copy_of(record), list, nullptr);
+    return cmpnt_add_upgrade_value_to_list(*record, list, nullptr);
 }
 
 int32_t cmpnt_add_to_list_by_pkg_version(const cmpnt_upgrade_value *record) {
@@ -154,7 +119,26 @@ int32_t cmpnt_add_to_list_by_pkg_version(const cmpnt_upgrade_value *record) {
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    return cmpnt_add_to_list_by_pkg_version(copy_of(record));
+    if (strcmp(record->state_name, "installed") == 0) {
+        return 0;
+    }
+    if (insert_cmpnt_upgrade_db_to_list(record, CMPNT_UPGRADE_LIST) != 0) {
+        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
+        return -1;
+    }
+    return 0;
+}
+
+int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const cmpnt_upgrade_value &record, NameIndex *index) {
+    if (search_cmpnt_upgrade_list_by_pkg_name(index, record)) {
+        return 0;
+    }
+    if (insert_cmpnt_upgrade_db_to_list(&record, CMPNT_UPGRADE_LIST) != 0) {
+        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
+        return -1;
+    }
+    tell_new_tail(index, &cmpnt_upgrade_list);
+    return 0;
 }
 
 int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const cmpnt_upgrade_value *record) {
@@ -162,7 +146,7 @@ int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const cmpnt_upgrade_value *record)
         CMPNT_LOG(log_error, "param is null\n");
         return -1;
     }
-    return cmpnt_add_to_upgrade_list_by_pkg_name(copy_of(record), nullptr);
+    return cmpnt_add_to_upgrade_list_by_pkg_name(*record, nullptr);
 }
 
 void recycle_upgrade_list(int32_t list) {
