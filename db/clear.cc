@@ -4,6 +4,7 @@
 #include <string.h>
 
 #include "common/log.hh"
+#include "db/copy_text.hh"
 #include "db/last_component.hh"
 #include "db/row.hh"
 
@@ -16,10 +17,6 @@ bool may_be_cleared(const Row &row) {
            row.number(column::cur_flag) == 0;
 }
 
-int32_t copy_text(char *field, size_t size, const char *text) {
-    return cmpnt_snprintf(field, static_cast<int32_t>(size), "%s", text == nullptr ? "" : text);
-}
-
 }  // namespace
 
 // Name and path of the row's SMU, in a request that is all zero; false for a row to be left alone.
@@ -28,9 +25,8 @@ static bool cmpnt_get_smu_name_and_path(cmpnt_db_request *req, const Row &row) {
         return false;
     }
     cmpnt_pkg_record &record = req->record;
-    copy_text(record.patch_name, sizeof(record.patch_name), row.text(column::patch_name));
-    const bool path_fits = copy_text(record.cur_pkg_path, sizeof(record.cur_pkg_path),
-                                     row.text(column::cur_pkg_path)) == 0;
+    copy_text(record.patch_name, row.text(column::patch_name));
+    const bool path_fits = copy_text(record.cur_pkg_path, row.text(column::cur_pkg_path)) == 0;
     CMPNT_LOG(log_trace, "read smu_name from db: smu_name(%s), path(%s)\n", record.patch_name,
               record.cur_pkg_path);
     return path_fits;  // a path that was cut would name another directory, and that one would go

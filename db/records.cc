@@ -2,15 +2,9 @@
 #include <string.h>
 
 #include "common/log.hh"
+#include "db/copy_text.hh"
 
 namespace {
-
-template <size_t size>
-void copy_text(char (&field)[size], const char *text) {
-    if (text != nullptr) {
-        cmpnt_snprintf(field, static_cast<int32_t>(size), "%s", text);
-    }
-}
 
 void copy_number(int32_t &field, int32_t number) {
     if (number != 0) {

@@ -3,6 +3,7 @@
 
 #include <string.h>
 
+#include "db/copy_text.hh"
 #include "libcmpnt_db.h"
 
 namespace {
@@ -16,15 +17,6 @@ int column_of(const Row &row, const char *name) {
         }
     }
     return no_column;
-}
-
-void copy_text(char *field, size_t size, const char *text) {
-    const size_t length = strnlen(text, size);
-    if (length < size) {
-        memcpy(field, text, length + 1);
-    } else {
-        cmpnt_snprintf(field, static_cast<int32_t>(size), "%s", text);  // cuts, and says so
-    }
 }
 
 void copy_value(const RecordField &field, const char *value, char *record) {
