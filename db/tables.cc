@@ -1,9 +1,8 @@
 // Table names by number, and integers out of rows.
 #include "db/tables.hh"
 
-#include <stdlib.h>
-
 #include "libcmpnt_db.h"
+#include "pkgfile/number.hh"
 
 const char *table_name(int32_t table) {
     switch (table) {
@@ -20,13 +19,4 @@ const char *table_name(int32_t table) {
     }
 }
 
-int32_t column_number(const char *value) {
-    if (value == nullptr) {
-        return 0;
-    }
-    const long number = strtol(value, nullptr, 10);
-    if (number > INT32_MAX) {
-        return INT32_MAX;
-    }
-    return number < INT32_MIN ? INT32_MIN : static_cast<int32_t>(number);
-}
+int32_t column_number(const char *value) { return value == nullptr ? 0 : decimal_number(value); }

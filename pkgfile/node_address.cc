@@ -1,11 +1,11 @@
 // This node's address in the cluster, as the node's start-up left it.
 #include <errno.h>
 #include <stdio.h>
-#include <stdlib.h>
 #include <string.h>
 
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "pkgfile/number.hh"
 
 namespace {
 
@@ -24,12 +24,6 @@ int32_t cmpnt_get_local_tipc_instance(void) {
         return -1;
     }
     char *end = line;
-    const long long number = strtoll(line, &end, 10);
-    if (end == line) {
-        return -1;
-    }
-    if (number > INT32_MAX) {
-        return INT32_MAX;
-    }
-    return number < INT32_MIN ? INT32_MIN : static_cast<int32_t>(number);
+    const int32_t address = decimal_number(line, &end);
+    return end == line ? -1 : address;
 }

@@ -17,8 +17,8 @@ uint32_t digit_of(char c) {
 
 }  // namespace
 
-int32_t decimal_number(const char *text) {
-    const long long number = strtoll(text, nullptr, 10);
+int32_t decimal_number(const char *text, char **end) {
+    const long long number = strtoll(text, end, 10);
     if (number > INT32_MAX) {
         return INT32_MAX;
     }

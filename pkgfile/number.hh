@@ -4,7 +4,10 @@
 
 #include <stdint.h>
 
-int32_t decimal_number(const char *text);    // strtol, base 10
-uint32_t prefixed_number(const char *text);  // strtoul: "0x" hexadecimal, "0" octal, else decimal
+// strtol, base 10; the end, unless null, is set to what follows the number.
+int32_t decimal_number(const char *text, char **end = nullptr);
+
+// strtoul: "0x" hexadecimal, "0" octal, else decimal.
+uint32_t prefixed_number(const char *text);
 
 #endif

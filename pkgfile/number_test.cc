@@ -31,6 +31,25 @@ TEST_F(Number, DecimalHas32Bits) {
     }
 }
 
+TEST_F(Number, DecimalTellsWhereItEnds) {
+    struct {
+        const char *text;
+        const char *rest;
+    } const cases[] = {
+        {"12 monkeys", " monkeys"},
+        {" -5", ""},
+        {"99999999999999999999999x", "x"},
+        {"yes", "yes"},
+        {" -", " -"},
+        {"", ""},
+    };
+    for (const auto &test : cases) {
+        char *end = nullptr;
+        decimal_number(test.text, &end);
+        EXPECT_STREQ(end, test.rest) << test.text;
+    }
+}
+
 TEST_F(Number, PrefixedIsInTheBaseOfItsPrefix) {
     struct {
         const char *text;
