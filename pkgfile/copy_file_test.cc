@@ -50,8 +50,9 @@ TEST_F(CopyFile, ReplacesALongerFileAndItsMode) {
 
 TEST_F(CopyFile, IsOnTheDiskWhenTheCallReturns) {
     write_file("/tmp/source", "text");
-    EXPECT_EQ(copy(), 4);
-    EXPECT_EQ(fault::calls("fsync"), 1);
+    const int32_t result = copy();
+    EXPECT_EQ(fault::order_of({"fwrite", "fflush", "fsync", "chmod"}), "fwrite fflush fsync chmod");
+    EXPECT_EQ(result, 4);
 }
 
 TEST_F(CopyFile, OfADirectoryIsAnEmptyFile) {
@@ -62,7 +63,7 @@ TEST_F(CopyFile, OfADirectoryIsAnEmptyFile) {
 
 TEST_F(CopyFile, ClosesBothFilesInEveryCase) {
     write_file("/tmp/source", "text");
-    for (int step = 0; step < 4; step++) {
+    for (int step = 0; step < 5; step++) {
         fault::reset();
         if (step == 1) {
             fault::fail("fopen64", 1, EACCES);
@@ -70,6 +71,8 @@ TEST_F(CopyFile, ClosesBothFilesInEveryCase) {
             fault::fail("fwrite", 1, ENOSPC);
         } else if (step == 3) {
             fault::fail("chmod", 1, EPERM);
+        } else if (step == 4) {
+            fault::fail("fflush", 1, ENOSPC);
         }
         const int before = open_descriptors();
         EXPECT_EQ(copy() == -1, step != 0);
@@ -114,6 +117,18 @@ TEST_F(CopyFile, StopsAtAFullDisk) {
     fault::fail("fwrite", 2, ENOSPC);
     EXPECT_EQ(copy(), -1);
     EXPECT_TRUE(says("fwrite fail, error(" + std::string(strerror(ENOSPC)) + ")\n"));
+    EXPECT_EQ(fault::calls("fsync"), 1);  // that of the trace
+    EXPECT_EQ(fault::calls("chmod"), 0);
+    EXPECT_EQ(mode_of("/tmp/copy"), 0644);
+}
+
+TEST_F(CopyFile, StopsAtADiskThatTurnsOutFullAtTheFlush) {
+    write_file("/tmp/source", "text");
+    umask(022);
+    fault::fail("fflush", 1, ENOSPC);
+    EXPECT_EQ(copy(), -1);
+    EXPECT_TRUE(says("fwrite fail, error(" + std::string(strerror(ENOSPC)) + ")\n"));
+    EXPECT_EQ(fault::calls("fsync"), 1);  // that of the trace
     EXPECT_EQ(fault::calls("chmod"), 0);
     EXPECT_EQ(mode_of("/tmp/copy"), 0644);
 }

@@ -34,7 +34,7 @@ WrappedFunction functions[] = {
     WRAPPED(remove),       WRAPPED(rmdir),        WRAPPED(chmod),         WRAPPED(chdir),
     WRAPPED(popen),        WRAPPED(pclose),       WRAPPED(sleep),         WRAPPED(ferror),
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
-    WRAPPED(vsnprintf),    WRAPPED(fseeko64),
+    WRAPPED(vsnprintf),    WRAPPED(fseeko64),     WRAPPED(fflush),
 };
 const char *sequence[256];
 int sequence_length = 0;
@@ -146,6 +146,7 @@ WRAP(ssize_t, write, (int fd, const void *data, size_t size), (fd, data, size), 
 WRAP(FILE *, fopen64, (const char *path, const char *mode), (path, mode), nullptr)
 WRAP(size_t, fwrite, (const void *data, size_t size, size_t count, FILE *stream),
      (data, size, count, stream), 0)
+WRAP(int, fflush, (FILE * stream), (stream), EOF)
 WRAP(int, fseeko64, (FILE * stream, off64_t offset, int whence), (stream, offset, whence), -1)
 WRAP(int, fileno, (FILE * stream), (stream), -1)
 WRAP(int, ferror, (FILE * stream), (stream), 1)
