@@ -63,6 +63,50 @@ TEST_F(RemoveTest, TakesALinkAndNeverItsTarget) {
     EXPECT_TRUE(exists("/opt/target/file"));
 }
 
+TEST_F(RemoveTest, TakesALinkToADirectoryWhateverStandsBehindItsName) {
+    for (const char *end : {"/", "/.", "/./", "//.//./", "/././."}) {
+        write_file("/opt/target/file", "x");
+        ASSERT_EQ(symlink("/opt/target", "/opt/link"), 0);
+        EXPECT_EQ(cmpnt_remove((std::string("/opt/link") + end).c_str()), 0);
+        EXPECT_EQ(names_in("/opt"), std::vector<std::string>{"target"}) << end;
+        EXPECT_TRUE(exists("/opt/target/file")) << end;
+    }
+    EXPECT_FALSE(exists(trace_path()));
+}
+
+TEST_F(RemoveTest, LeavesWhatIsNotThereUnderThePathGiven) {
+    write_file("/opt/file", "x");
+    ASSERT_EQ(symlink("/opt/nowhere", "/opt/dangling"), 0);
+    ASSERT_EQ(symlink("/opt/file", "/opt/link"), 0);
+    for (const char *path : {"/opt/file/", "/opt/file/.", "/opt/dangling/", "/opt/dangling/.",
+                             "/opt/link/", "/opt/link/."}) {
+        EXPECT_EQ(cmpnt_remove(path), 0) << path;
+    }
+    EXPECT_EQ(names_in("/opt"), (std::vector<std::string>{"dangling", "file", "link"}));
+    EXPECT_FALSE(exists(trace_path()));
+}
+
+TEST_F(RemoveTest, EmptiesADirectoryThatADotNames) {
+    ASSERT_EQ(symlink("/opt", "/opt/link"), 0);
+    for (const std::string path : {"/opt/dir/.", "/opt/link/dir/."}) {
+        for (const char *slashes : {"", "//"}) {
+            forget_log();
+            write_file("/opt/dir/file", "x");
+            EXPECT_EQ(cmpnt_remove((path + slashes).c_str()), 0);
+            EXPECT_TRUE(names_in("/opt/dir").empty());
+            EXPECT_TRUE(
+                says("rmdir error, target(" + path + "), error(" + strerror(EINVAL) + ")\n"));
+        }
+    }
+}
+
+TEST_F(RemoveTest, TakesADirectoryWithSlashesBehindItsName) {
+    write_file("/opt/dir/file", "x");
+    EXPECT_EQ(cmpnt_remove("/opt/dir//"), 0);
+    EXPECT_FALSE(exists("/opt/dir"));
+    EXPECT_FALSE(exists(trace_path()));
+}
+
 TEST_F(RemoveTest, TakesADanglingLink) {
     ASSERT_EQ(symlink("/tmp/nowhere", "/tmp/link"), 0);
     EXPECT_EQ(cmpnt_remove("/tmp/link"), 0);
