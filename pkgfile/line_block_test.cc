@@ -1,6 +1,7 @@
 #include "pkgfile/line_block.hh"
 
 #include <fcntl.h>
+#include <sys/socket.h>
 #include <unistd.h>
 
 #include <random>
@@ -13,7 +14,8 @@ protected:
     LineBlock &open_text(const std::string &text) {
         write_file("/tmp/text", text);
         file.reset(open("/tmp/text", O_RDONLY));
-        block.reset(new LineBlock(file.get()));
+        block.reset(new LineBlock);
+        start_block(*block, file.get());
         return *block;
     }
     std::string next_line(size_t longest = LineBlock::capacity) {
@@ -68,6 +70,24 @@ TEST_F(LineBlockTest, JoinsALineThatBlocksDivide) {
     for (const std::string &line : lines) {
         ASSERT_EQ(next_line(), line);
     }
+    EXPECT_EQ(next_line(), "(none)");
+}
+
+TEST_F(LineBlockTest, JoinsALineThatManyReadsDeliver) {
+    int ends[2];
+    ASSERT_EQ(socketpair(AF_UNIX, SOCK_SEQPACKET, 0, ends), 0);  // a read takes one packet
+    file.reset(ends[0]);
+    const std::string text = std::string(50, 'x') + "\nnext\na" + std::string(1, '\0') + "b\n";
+    for (const char &c : text) {
+        ASSERT_EQ(write(ends[1], &c, 1), 1);
+    }
+    close(ends[1]);
+    block.reset(new LineBlock);
+    start_block(*block, file.get());
+    EXPECT_EQ(next_line(), std::string(50, 'x'));
+    EXPECT_EQ(next_line(), "next");
+    EXPECT_EQ(next_line(), "(none)");
+    EXPECT_EQ(gets(80), "a");
     EXPECT_EQ(next_line(), "(none)");
 }
 

@@ -1,7 +1,9 @@
 #include "pkgfile/stream_reader.hh"
 
+#include <fcntl.h>
 #include <stdlib.h>
 #include <string.h>
+#include <unistd.h>
 
 #include <random>
 
@@ -10,6 +12,7 @@
 
 namespace {
 
+constexpr char reader[] = "parse_info_from_stream";
 constexpr char missing_newline[] = "Missing new line character at end of file!\n";
 
 struct Lines {
@@ -33,6 +36,25 @@ int32_t collect_text_line(void *record, TextLine line, cmpnt_file_param *param) 
     return collect(record, line.text, param);
 }
 
+// A handler that hands its reader's buffer to the reader, and has it lost.
+struct Inner {
+    FILE *stream;
+    char **buffer;
+    char *lost;
+    Lines lines;
+    int32_t calls;
+};
+
+int32_t read_inner(void *record, char *, cmpnt_file_param *param) {
+    Inner *inner = static_cast<Inner *>(record);
+    inner->calls++;
+    inner->lost = *inner->buffer;
+    fault::fail("realloc", 1, ENOMEM);
+    EXPECT_EQ(parse_info_from_stream(collect, &inner->lines, inner->stream, inner->buffer, param),
+              -1);
+    return 0;
+}
+
 // Short and long lines, some with a carriage return, a zero byte or no newline at the end.
 std::string random_text(std::mt19937 &random) {
     std::string text;
@@ -52,85 +74,168 @@ std::string random_text(std::mt19937 &random) {
 
 class StreamReader : public DeviceTest {
 protected:
+    enum class Source { stream, block };
+
     void SetUp() override {
         DeviceTest::SetUp();
-        buffer = static_cast<char *>(malloc(line_buffer_size));
+        take_new_buffer();
     }
     void TearDown() override {
         free(buffer);
         DeviceTest::TearDown();
     }
-    int32_t read_text(const std::string &text) {
+    void take_new_buffer() {
+        free(buffer);
+        buffer = static_cast<char *>(malloc(line_buffer_size));
+    }
+    int32_t read_open_stream(Source source = Source::stream) {
+        if (source == Source::stream) {
+            return parse_info_from_stream(collect, &lines, stream.get(), &buffer, &param);
+        }
+        start_block(block, fileno(stream.get()));
+        return read_lines({collect_text_line, &lines, &param}, &block, buffer);
+    }
+    int32_t read_text(const std::string &text, Source source = Source::stream) {
         write_file("/tmp/lines", text);
         stream.reset(fopen("/tmp/lines", "r"));
-        return parse_info_from_stream(collect, &lines, stream.get(), &buffer, &param);
+        take_new_buffer();
+        lines.seen.clear();
+        return read_open_stream(source);
     }
 
     Stream stream;
+    LineBlock block;
     Lines lines;
     char *buffer = nullptr;
     cmpnt_file_param param = {};
 };
 
-TEST_F(StreamReader, HandsEveryLineWithoutItsNewline) {
-    EXPECT_EQ(read_text("one\n\n  two\r\nthree\n"), 0);
+// What a host's stream and the library's own files have in common.
+class EachSource : public StreamReader, public testing::WithParamInterface<bool> {
+protected:
+    static Source source() { return GetParam() ? Source::block : Source::stream; }
+    int32_t read(const std::string &text) { return read_text(text, source()); }
+};
+INSTANTIATE_TEST_SUITE_P(OfLines, EachSource, testing::Bool());
+
+TEST_P(EachSource, HandsEveryLineWithoutItsNewline) {
+    EXPECT_EQ(read("one\n\n  two\r\nthree\n"), 0);
     EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "", "  two\r", "three"}));
     EXPECT_EQ(lines.param, &param);
     EXPECT_TRUE(trace_messages().empty());
 }
 
-TEST_F(StreamReader, FindsNoLineInAnEmptyFile) {
-    EXPECT_EQ(read_text(""), 0);
+TEST_P(EachSource, FindsNoLineInAnEmptyFile) {
+    EXPECT_EQ(read(""), 0);
     EXPECT_TRUE(lines.seen.empty());
     EXPECT_STREQ(buffer, "");
     EXPECT_TRUE(trace_messages().empty());
 }
 
-TEST_F(StreamReader, LeavesTheBufferEmptyAtTheEnd) {
-    EXPECT_EQ(read_text("text\n"), 0);
+TEST_P(EachSource, LeavesTheBufferEmptyAtTheEnd) {
+    EXPECT_EQ(read("text\n"), 0);
     EXPECT_STREQ(buffer, "");
 }
 
-TEST_F(StreamReader, HandsALastLineWithoutNewlineAndReportsIt) {
-    EXPECT_EQ(read_text("one\nlast"), 0);
-    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "last"}));
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", missing_newline));
+TEST_P(EachSource, HandsALastLineWithoutNewlineAndReportsIt) {
+    for (const size_t length : {1u, 1021u, 1022u, 1024u, 1025u, 2046u, 2048u, 1048574u}) {
+        forget_log();
+        const std::string last(length, 'x');
+        EXPECT_EQ(read("one\n" + last), 0);
+        EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", last})) << length;
+        EXPECT_TRUE(logged("CMPNT_ERROR", reader, missing_newline)) << length;
+        EXPECT_EQ(trace_lines().size(), 1u);
+    }
+}
+
+TEST_P(EachSource, OnlyTracesALastLineThatFilledTheBuffer) {
+    for (const size_t length : {1023u, 2047u}) {
+        forget_log();
+        const std::string last(length, 'x');
+        EXPECT_EQ(read("one\n" + last), 0);
+        EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", last}));
+        EXPECT_TRUE(logged("CMPNT_TRACE", reader, missing_newline));
+        EXPECT_EQ(trace_lines().size(), 1u);
+    }
+}
+
+TEST_P(EachSource, IgnoresTheAnswerToALastLineWithoutNewline) {
+    for (const size_t length : {4u, 1023u}) {
+        lines.answers = {handler_error};
+        EXPECT_EQ(read(std::string(length, 'x')), 0);
+        EXPECT_EQ(lines.seen.size(), 1u);
+        EXPECT_EQ(traced("error", reader, "parse_line error\n"), 0);
+    }
+}
+
+TEST_P(EachSource, TakesLinesOfAnyLengthWholeAndGrowsTheBufferForThem) {
+    const struct {
+        size_t length;
+        int growths;
+    } cases[] = {{1021, 0}, {1022, 0}, {1023, 1}, {1024, 1},  {1025, 1},    {2046, 1},
+                 {2047, 2}, {2048, 2}, {3000, 2}, {10000, 4}, {1048574, 10}};
+    for (const auto &test : cases) {
+        fault::reset();
+        const std::string line(test.length, 'x');
+        EXPECT_EQ(read(line + "\nnext\n" + line + "\n"), 0) << test.length;
+        EXPECT_EQ(fault::calls("realloc"), test.growths) << test.length;
+        EXPECT_EQ(lines.seen, (std::vector<std::string>{line, "next", line})) << test.length;
+    }
+    EXPECT_TRUE(trace_messages().empty());
+}
+
+TEST_P(EachSource, RefusesALongerLineByItsNumber) {
+    EXPECT_EQ(read("one\ntwo\n" + std::string(1048575, 'x') + "\nfour\n"), -1);
+    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"}));
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, "Excessively long line at 3. maybe corrupt file.\n"));
+    EXPECT_NE(buffer, nullptr);
+}
+
+TEST_P(EachSource, RefusesALongerLineAtTheEndOfTheFile) {
+    EXPECT_EQ(read(std::string(1048575, 'x')), -1);
+    EXPECT_TRUE(lines.seen.empty());
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, "Excessively long line at 1. maybe corrupt file.\n"));
+}
+
+TEST_P(EachSource, FailsAtAParseError) {
+    lines.answers = {0, handler_error};
+    EXPECT_EQ(read("one\ntwo\nthree\n"), -1);
+    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"}));
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, "parse_line error\n"));
+}
+
+TEST_P(EachSource, StopsWithSuccessAtAnyOtherAnswer) {
+    for (const int32_t answer : {-1, -2, -3, -5, 1, 4}) {
+        lines.answers = {0, answer};
+        EXPECT_EQ(read("one\ntwo\nthree\n"), 0) << answer;
+        EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"})) << answer;
+    }
+    EXPECT_TRUE(trace_messages().empty());
+}
+
+TEST_P(EachSource, FailsWhenItCannotBeRead) {
+    stream.reset(fopen("/tmp", "r"));
+    EXPECT_EQ(read_open_stream(source()), -1);
+    EXPECT_TRUE(lines.seen.empty());
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, "fgets fail.\n"));
+}
+
+TEST_P(EachSource, HasHandedTheLinesBeforeAReadError) {
+    int ends[2];
+    ASSERT_EQ(pipe2(ends, O_NONBLOCK), 0);  // empty but open, it is an error to read from
+    const Descriptor writer(ends[1]);
+    ASSERT_EQ(write(writer.get(), "one\ntwo\n", 8), 8);
+    stream.reset(fdopen(ends[0], "r"));
+    EXPECT_EQ(read_open_stream(source()), -1);
+    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"}));
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, "fgets fail.\n"));
     EXPECT_EQ(trace_lines().size(), 1u);
 }
 
-TEST_F(StreamReader, OnlyTracesALastLineThatFilledTheBuffer) {
-    for (const size_t length : {1023u, 2047u}) {
-        forget_log();
-        lines.seen.clear();
-        EXPECT_EQ(read_text(std::string(length, 'x')), 0);
-        EXPECT_EQ(lines.seen, (std::vector<std::string>{std::string(length, 'x')}));
-        EXPECT_TRUE(logged("CMPNT_TRACE", "parse_info_from_stream", missing_newline));
-        EXPECT_EQ(trace_lines().size(), 1u);
-        free(buffer);
-        buffer = static_cast<char *>(malloc(line_buffer_size));
-    }
-}
-
-TEST_F(StreamReader, IgnoresTheAnswerToALastLineWithoutNewline) {
-    for (const size_t length : {4u, 1023u}) {
-        lines.seen.clear();
-        lines.answers = {handler_error};
-        EXPECT_EQ(read_text(std::string(length, 'x')), 0);
-        EXPECT_EQ(lines.seen.size(), 1u);
-        EXPECT_EQ(traced("error", "parse_info_from_stream", "parse_line error\n"), 0);
-    }
-}
-
-TEST_F(StreamReader, TakesLinesOfAnyLengthWhole) {
-    for (const size_t length : {1021u, 1022u, 1023u, 1024u, 2046u, 2047u, 2048u, 3000u, 1048574u}) {
-        const std::string line(length, 'x');
-        free(buffer);
-        buffer = static_cast<char *>(malloc(line_buffer_size));
-        lines.seen.clear();
-        EXPECT_EQ(read_text(line + "\nnext\n"), 0) << length;
-        EXPECT_EQ(lines.seen, (std::vector<std::string>{line, "next"})) << length;
-    }
-    EXPECT_TRUE(trace_messages().empty());
+TEST_P(EachSource, TakesALineWithAZeroByteForTheLast) {
+    EXPECT_EQ(read(std::string("one\nt\0wo\nthree\n", 15)), 0);
+    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "t"}));
+    EXPECT_TRUE(logged("CMPNT_ERROR", reader, missing_newline));
 }
 
 TEST_F(StreamReader, DoublesTheBufferAndKeepsItForTheNextLine) {
@@ -141,52 +246,11 @@ TEST_F(StreamReader, DoublesTheBufferAndKeepsItForTheNextLine) {
     EXPECT_EQ(buffer, lines.last_address);
 }
 
-TEST_F(StreamReader, TakesTheLongestLineWithoutNewlineToo) {
-    EXPECT_EQ(read_text(std::string(1048574, 'x')), 0);
-    ASSERT_EQ(lines.seen.size(), 1u);
-    EXPECT_EQ(lines.seen[0].size(), 1048574u);
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", missing_newline));
-}
-
-TEST_F(StreamReader, RefusesALongerLineByItsNumber) {
-    EXPECT_EQ(read_text("one\ntwo\n" + std::string(1048575, 'x') + "\nfour\n"), -1);
-    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"}));
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream",
-                       "Excessively long line at 3. maybe corrupt file.\n"));
-    EXPECT_NE(buffer, nullptr);
-}
-
-TEST_F(StreamReader, RefusesALongerLineAtTheEndOfTheFile) {
-    EXPECT_EQ(read_text(std::string(1048575, 'x')), -1);
-    EXPECT_TRUE(lines.seen.empty());
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream",
-                       "Excessively long line at 1. maybe corrupt file.\n"));
-}
-
-TEST_F(StreamReader, FailsAtAParseError) {
-    lines.answers = {0, handler_error};
-    EXPECT_EQ(read_text("one\ntwo\nthree\n"), -1);
-    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"}));
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", "parse_line error\n"));
-}
-
-TEST_F(StreamReader, StopsWithSuccessAtAnyOtherAnswer) {
-    for (const int32_t answer : {-1, -2, -3, -5, 1, 4}) {
-        lines.seen.clear();
-        lines.answers = {0, answer};
-        EXPECT_EQ(read_text("one\ntwo\nthree\n"), 0) << answer;
-        EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "two"})) << answer;
-        char rest[16];
-        EXPECT_STREQ(fgets(rest, sizeof(rest), stream.get()), "three\n");
-    }
-    EXPECT_TRUE(trace_messages().empty());
-}
-
-TEST_F(StreamReader, FailsWhenTheStreamCannotBeRead) {
-    stream.reset(fopen("/tmp", "r"));
-    EXPECT_EQ(parse_info_from_stream(collect, &lines, stream.get(), &buffer, &param), -1);
-    EXPECT_TRUE(lines.seen.empty());
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", "fgets fail.\n"));
+TEST_F(StreamReader, TakesNoMoreOfAStreamThanTheLinesHandedOver) {
+    lines.answers = {0, handler_stop};
+    EXPECT_EQ(read_text("one\ntwo\nthree\n"), 0);
+    char rest[16] = "";
+    EXPECT_STREQ(fgets(rest, sizeof(rest), stream.get()), "three\n");
 }
 
 TEST_F(StreamReader, DropsTheLineThatAReadErrorCutShort) {
@@ -198,23 +262,32 @@ TEST_F(StreamReader, DropsTheLineThatAReadErrorCutShort) {
 }
 
 TEST_F(StreamReader, LosesTheBufferWhenItCannotGrow) {
-    char *former = buffer;
     fault::fail("realloc", 1, ENOMEM);
     EXPECT_EQ(read_text("one\n" + std::string(3000, 'x') + "\n"), -1);
     EXPECT_EQ(buffer, nullptr);
     EXPECT_EQ(lines.seen, (std::vector<std::string>{"one"}));
     EXPECT_TRUE(logged("CMPNT_ERROR", "xrealloc", "realloc fail.\n"));
     EXPECT_EQ(trace_lines().size(), 1u);
-    buffer = former;  // not freed by the reader
+    buffer = lines.last_address;  // not freed by the reader
+}
+
+TEST_F(StreamReader, FailsWhenAHandlerHasLostTheBuffer) {
+    write_file("/tmp/long", std::string(3000, 'x') + "\n");
+    write_file("/tmp/lines", "one\ntwo\n");
+    stream.reset(fopen("/tmp/lines", "r"));
+    const Stream long_line(fopen("/tmp/long", "r"));
+    Inner inner = {long_line.get(), &buffer, nullptr, {}, 0};
+    EXPECT_EQ(parse_info_from_stream(read_inner, &inner, stream.get(), &buffer, &param), -1);
+    EXPECT_EQ(inner.calls, 1);
+    EXPECT_EQ(buffer, nullptr);
+    buffer = inner.lost;
 }
 
 TEST_F(StreamReader, KeepsTheBufferOfItsOwnersInTheLibraryWhenItCannotGrow) {
-    write_file("/tmp/lines", std::string(5000, 'x'));
-    stream.reset(fopen("/tmp/lines", "r"));
     fault::fail("realloc", 2, ENOMEM);
-    EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), nullptr, buffer),
-              read_without_memory);
+    EXPECT_EQ(read_text(std::string(5000, 'x'), Source::block), read_without_memory);
     EXPECT_NE(buffer, nullptr);
+    EXPECT_TRUE(logged("CMPNT_ERROR", "xrealloc", "realloc fail.\n"));
 }
 
 TEST_F(StreamReader, ReadsBlocksAsItReadsStreams) {
@@ -222,54 +295,15 @@ TEST_F(StreamReader, ReadsBlocksAsItReadsStreams) {
     for (int i = 0; i < 100; i++) {
         const std::string text = random_text(random);
         forget_log();
-        lines.seen.clear();
         const int32_t result = read_text(text);
         const std::vector<std::string> seen = lines.seen;
         const std::vector<std::string> messages = trace_messages();
 
         forget_log();
-        lines.seen.clear();
-        stream.reset(fopen("/tmp/lines", "r"));
-        free(buffer);
-        buffer = static_cast<char *>(malloc(line_buffer_size));
-        LineBlock block(fileno(stream.get()));
-        ASSERT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer),
-                  result);
+        ASSERT_EQ(read_text(text, Source::block), result);
         ASSERT_EQ(lines.seen, seen);
         ASSERT_EQ(trace_messages(), messages);
-        free(buffer);
-        buffer = static_cast<char *>(malloc(line_buffer_size));
     }
-}
-
-TEST_F(StreamReader, GrowsItsBufferForALineOfABlockAsForOneOfAStream) {
-    const std::string fitting(1022, 'x');
-    for (const auto &test : {std::make_pair(fitting, 0), std::make_pair(fitting + "x", 1),
-                             std::make_pair(std::string(10000, 'x'), 4)}) {
-        write_file("/tmp/lines", test.first + "\n" + test.first + "\n");
-        stream.reset(fopen("/tmp/lines", "r"));
-        free(buffer);
-        buffer = static_cast<char *>(malloc(line_buffer_size));
-        LineBlock block(fileno(stream.get()));
-        fault::reset();
-        EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer), 0);
-        EXPECT_EQ(fault::calls("realloc"), test.second) << test.first.size();
-        EXPECT_EQ(lines.seen, (std::vector<std::string>{test.first, test.first}));
-        lines.seen.clear();
-    }
-}
-
-TEST_F(StreamReader, FailsWhenABlockCannotBeRead) {
-    stream.reset(fopen("/tmp", "r"));
-    LineBlock block(fileno(stream.get()));
-    EXPECT_EQ(read_lines({collect_text_line, &lines, &param}, stream.get(), &block, buffer), -1);
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", "fgets fail.\n"));
-}
-
-TEST_F(StreamReader, TakesALineWithAZeroByteForTheLast) {
-    EXPECT_EQ(read_text(std::string("one\nt\0wo\nthree\n", 15)), 0);
-    EXPECT_EQ(lines.seen, (std::vector<std::string>{"one", "t"}));
-    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", missing_newline));
 }
 
 TEST_F(StreamReader, RefusesNullQuietly) {
