@@ -69,6 +69,25 @@ TEST_F(BackupFiles, FailsForAMirrorPathTooLong) {
     }
 }
 
+TEST_F(BackupFiles, FailsForAMirrorPathThatFitsButCannotBeADirectory) {
+    const std::string directory = "/opt/" + std::string(200, 'd') + "/";
+    const std::string listed = directory + std::string(231 - directory.size(), 'e');
+    const std::string holding = directory + std::string(232 - directory.size(), 'f');
+    make_directories(listed);
+    write_file(holding + "/file", "text");
+    const struct {
+        std::string path, mirror;
+    } cases[] = {{listed, root + "/" + listed}, {holding + "/file", root + holding}};
+    for (const auto &test : cases) {
+        forget_log();
+        ASSERT_EQ(test.mirror.size(), 259u);
+        EXPECT_EQ(back_up(test.path), -4);
+        EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_mkdir", "param is null\n"));
+        EXPECT_TRUE(logged("CMPNT_ERROR", handler, "mkdir fail, dir_path(" + test.mirror + ").\n"));
+    }
+    EXPECT_FALSE(exists(root));
+}
+
 TEST_F(BackupFiles, FailsWhenTheMirrorCannotBeMade) {
     write_file("/opt/app/file", "text");
     write_file("/var/cache/opkg/backup", "a file in the way");
@@ -87,7 +106,7 @@ TEST_F(BackupFiles, FailsWhenTheCopyFails) {
 
 TEST_F(BackupFiles, AreLeftAloneInOtherModes) {
     write_file("/opt/file", "text");
-    for (const int32_t mode : {0, 1, 2, 3, 6, 7}) {
+    for (const int32_t mode : {0, 1, 2, 3, 5, 6, 7}) {
         EXPECT_EQ(back_up("/opt/file", mode), 0);
     }
     EXPECT_FALSE(exists(root));

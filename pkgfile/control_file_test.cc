@@ -65,6 +65,14 @@ TEST_F(ControlFile, EndsAtAFieldWithoutValue) {
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_parse_line", "parse_simple fail.\n"));
 }
 
+TEST_F(ControlFile, EndsAtAFieldThatIsItsNameAlone) {
+    write_file(path, "Package\nVersion: 1\n\n");
+    EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH), 0);
+    EXPECT_TRUE(zeroed());
+    EXPECT_EQ(trace_messages(),
+              (std::vector<std::string>{"error cmpnt_parse_line: parse_simple fail.\n"}));
+}
+
 TEST_F(ControlFile, YieldsOneParagraph) {
     write_file(path, "Package: foo\r\nVersion: 1\r\n\r\nPackage: bar\r\n");
     EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH), 0);
@@ -137,7 +145,7 @@ TEST_F(ControlFile, FindsAPackageBehindThousands) {
     EXPECT_EQ(parse(CMPNT_PARSE_FIND_PACKAGE, "p2998"), 0);
     EXPECT_STREQ(record.package, "p2998");
     EXPECT_STREQ(record.version, "2998");
-    EXPECT_EQ(fault::calls("calloc"), 1);
+    EXPECT_EQ(fault::calls("calloc"), 2);  // the line buffer and the block
     EXPECT_EQ(fault::calls("realloc"), 0);
 }
 
@@ -162,6 +170,9 @@ TEST_F(ControlFile, FailsWithoutMemoryForALine) {
     EXPECT_EQ(trace_messages(),
               (std::vector<std::string>{"error cmpnt_malloc: malloc failed, size(1024), "
                                         "error(Cannot allocate memory).\n"}));
+    fault::fail("calloc", 2, ENOMEM);
+    EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH), -1);
+    EXPECT_EQ(trace_messages().size(), 2u);
     EXPECT_TRUE(kept());
     EXPECT_EQ(open_descriptors(), before);
 }

@@ -172,6 +172,9 @@ TEST_F(Field, OfNullIsNone) {
 TEST_F(Field, IsNoneWhenTheSplitRunsOutOfMemory) {
     fault::fail("calloc", 3, ENOMEM);
     EXPECT_EQ(cmpnt_is_field("Package", with_colons(90).c_str(), ":"), 0);
+    EXPECT_EQ(traced("error", "cmpnt_detach_install_queue", "cmpnt_malloc_and_memory fail.\n"), 1);
+    EXPECT_EQ(
+        traced("trace", "cmpnt_detach_install_queue", "cmpnt_detach_install_queue count(80)\n"), 0);
     EXPECT_EQ(traced("error", "cmpnt_is_field", "cmpnt_detach_install_queue fail.\n"), 1);
 }
 

@@ -67,6 +67,7 @@ TEST_F(ValueFile, FailsWhenItCannotBeOpened) {
     EXPECT_EQ(cmpnt_get_value_from_file(value, sizeof(value), "/tmp/value"), -1);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_get_value_from_file",
                        "fopen fail, error(Permission denied)\n"));
+    EXPECT_EQ(std::string(value, sizeof(value)), std::string(sizeof(value), '\0'));
 }
 
 TEST_F(ValueFile, RefusesNullAndRoomForNothing) {
