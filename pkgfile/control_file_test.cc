@@ -1,5 +1,7 @@
 #include <stdlib.h>
+#include <sys/stat.h>
 
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 
 namespace {
@@ -133,6 +135,14 @@ TEST_F(ControlFile, FailsWhenItCannotBeRead) {
     }
     EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH, nullptr, "/proc/self/mem"), -1);
     EXPECT_EQ(traced("error", "parse_info_from_stream", "fgets fail.\n"), 1);
+    EXPECT_EQ(traced("error", caller, "parse_info_from_stream fail, maybe not error.\n"), 1);
+}
+
+TEST_F(ControlFile, FailsForAPipeThatNobodyFills) {
+    ASSERT_EQ(mkfifo("/opt/pipe", 0600), 0);
+    const Deadline deadline;
+    EXPECT_EQ(parse(CMPNT_PARSE_ONE_PARAGRAPH, nullptr, "/opt/pipe"), -1);
+    EXPECT_TRUE(logged("CMPNT_ERROR", "parse_info_from_stream", "fgets fail.\n"));
     EXPECT_EQ(traced("error", caller, "parse_info_from_stream fail, maybe not error.\n"), 1);
 }
 
