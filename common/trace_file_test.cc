@@ -196,7 +196,7 @@ TEST_F(TraceFile, LosesALineToAFailedWriteAlone) {
         EXPECT_EQ(write_line("struck\n"), 0) << c.function;
         EXPECT_EQ(write_line("after\n"), 0) << c.function;
         EXPECT_EQ(traced("error", "some_function", "struck\n"), c.kept ? 1 : 0) << c.function;
-        EXPECT_EQ(trace_lines().size(), c.kept ? 3u : 2u) << c.function;
+        ASSERT_EQ(trace_lines().size(), c.kept ? 3u : 2u) << c.function;
         EXPECT_EQ(trace_lines().back().message, "after\n") << c.function;
     }
     EXPECT_TRUE(platform.syslog.empty());
