@@ -31,10 +31,9 @@ bool same_path(const Row &row, const cmpnt_pkg_record &wanted) {
 }
 
 bool newer_in_force(const Row &row, const cmpnt_pkg_record &wanted) {
-    constexpr int32_t newer = 4;
     const char *version = row.text(column::cur_version);
     if (!same_pkg(row, wanted) || version == nullptr ||
-        cmpnt_version_compare(version, wanted.cur_version) != newer) {
+        cmpnt_version_compare(version, wanted.cur_version) != CMPNT_VERSION_NEWER) {
         return false;
     }
     const int32_t state = row.number(column::pkg_state);

@@ -443,6 +443,7 @@ CMPNT_API int32_t cmpnt_pkg_is_base_version(char **paths, int32_t index, const c
  *       unraised *backup_index
  * The node of the version taken away leaves the list, so ask once a package. The arrays must have
  * room; free both, all slots, with cmpnt_recycle_pointer_array. */
+enum { CMPNT_TARGET_STORED = 0, CMPNT_TARGET_NO_FILE = 4 };
 CMPNT_API int32_t cmpnt_get_target_pkg_path(const char *pkg_name, const char *version,
                                             char **backup_paths, int32_t *backup_index,
                                             char **remove_names, int32_t *remove_index);
@@ -549,8 +550,9 @@ CMPNT_API int32_t cmpnt_get_value_from_file(char *value, int32_t size, const cha
  * zeroed first. */
 CMPNT_API int32_t cmpnt_strcat_tmp_and_name(const char *name, char *path, int32_t size);
 
-/* Compares two versions: 4 a is newer, 3 equal, 2 a is older, -1 null. Numbers compare by value, "~"
+/* Compares two versions: a is newer, equal or older, or -1 for null. Numbers compare by value, "~"
  * sorts before the end, letters before other characters. */
+enum { CMPNT_VERSION_OLDER = 2, CMPNT_VERSION_EQUAL = 3, CMPNT_VERSION_NEWER = 4 };
 CMPNT_API int32_t cmpnt_version_compare(const char *a, const char *b);
 
 /* ==== Package metadata: file system ======================================================== */

@@ -25,8 +25,10 @@ int32_t cmpnt_get_base_version_by_pkg_name(const char *pkg_name, char *dst) {
         CMPNT_LOG(log_error, "cmpnt_get_pkg_info_database fail.\n");
         return -1;
     }
+    // A name that was cut for the query may have met the package that it begins with.
+    const bool is_asked_for = strcmp(request.base.package_name, pkg_name) == 0;
     memset(dst, 0, CMPNT_VERSION_SIZE);
-    snprintf(dst, CMPNT_VERSION_SIZE, "%s", request.base.base_version);
+    snprintf(dst, CMPNT_VERSION_SIZE, "%s", is_asked_for ? request.base.base_version : "");
     return 0;
 }
 

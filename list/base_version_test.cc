@@ -54,6 +54,16 @@ TEST_F(BaseVersion, OfAnUnknownPackageIsEmptyAndNoFailure) {
     EXPECT_EQ(std::string(version, sizeof(version)), std::string(32, '\0'));
 }
 
+// No record holds so long a name; one may hold the 79 bytes that it begins with.
+TEST_F(BaseVersion, OfAnOverlongNameIsEmpty) {
+    create_table();
+    add_base_package(std::string(79, 'n'), "1.0");
+    EXPECT_EQ(cmpnt_get_base_version_by_pkg_name(std::string(80, 'n').c_str(), version), 0);
+    EXPECT_STREQ(version, "");
+    EXPECT_EQ(cmpnt_get_base_version_by_pkg_name(std::string(79, 'n').c_str(), version), 0);
+    EXPECT_STREQ(version, "1.0");
+}
+
 TEST_F(BaseVersion, IsCutAtItsField) {
     create_table();
     add_base_package("pkg", std::string(40, '1'));

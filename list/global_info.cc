@@ -6,11 +6,11 @@
 
 namespace {
 
-constexpr const char *states_in_force[] = {"active", "running", "invalid_hp_active",
-                                           "invalid_hp_running"};
+constexpr const char *newest_states[] = {"active", "running", "invalid_hp_active",
+                                         "invalid_hp_running"};
 
-bool is_in_force(const char *state) {
-    for (const char *name : states_in_force) {
+bool may_be_newest(const char *state) {
+    for (const char *name : newest_states) {
         if (strcmp(state, name) == 0) {
             return true;
         }
@@ -28,7 +28,7 @@ int32_t cmpnt_get_global_info(cmpnt_upgrade_value *out, const cmpnt_upgrade_valu
     }
     switch (newest_type) {
         case newest_in_force:
-            if (is_in_force(record->state_name)) {
+            if (may_be_newest(record->state_name)) {
                 *out = *record;
             }
             return 0;

@@ -11,8 +11,7 @@ struct NewestVersion {
 
     // Of equal versions the first stays.
     bool raise_to(const char *version) {
-        constexpr int32_t newer = 4;
-        if (cmpnt_version_compare(version, text) != newer) {
+        if (cmpnt_version_compare(version, text) != CMPNT_VERSION_NEWER) {
             return false;
         }
         snprintf(text, sizeof(text), "%s", version);

@@ -9,10 +9,6 @@
 
 namespace {
 
-// The answers, kept as codes of the boundary.
-constexpr int32_t target_stored = 0;
-constexpr int32_t target_is_no_file = 4;
-
 // One of the caller's growing arrays, which have room by contract.
 struct GrowingArray {
     char **items;
@@ -61,13 +57,16 @@ static int32_t cmpnt_backup_pkg_is_base_version(const char *pkg_name, GrowingArr
         return -1;
     }
     if (cmpnt_pkg_is_base_version(backup.items, *backup.index, pkg_name, base_version) != 0) {
+        if (!backup.has_slot()) {
+            return -1;
+        }
         CMPNT_LOG(log_trace, "base_name(%s), backup_path(%s)\n", pkg_name, backup.text());
         ++*backup.index;
-        return target_stored;
+        return CMPNT_TARGET_STORED;
     }
     const int32_t known = cmpnt_pkg_name_exist_in_base_table(pkg_name);
     if (known == 1) {
-        return target_is_no_file;
+        return CMPNT_TARGET_NO_FILE;
     }
     if (known != 0) {
         return -1;  // a database that cannot say must not get the package removed
@@ -80,7 +79,7 @@ static int32_t cmpnt_backup_pkg_is_base_version(const char *pkg_name, GrowingArr
         return -1;
     }
     ++*remove.index;
-    return target_is_no_file;
+    return CMPNT_TARGET_NO_FILE;
 }
 
 // The node taken out is handed over alive: the caller's texts may lie in it.
@@ -175,5 +174,5 @@ int32_t cmpnt_get_target_pkg_path(const char *pkg_name, const char *version, cha
         return -1;
     }
     ++*backup_index;
-    return target_stored;
+    return CMPNT_TARGET_STORED;
 }

@@ -113,6 +113,20 @@ TEST_F(TargetPath, SurvivesMissingIndexesAndArrays) {
     EXPECT_EQ(backup_index, -1);
 }
 
+TEST_F(TargetPath, SurvivesMissingArraysForTheBasePackageToo) {
+    create_base_table();
+    add_base("pkg", "1.0");
+    write_file("/var/cache/opkg/backup/pkg_1.0.ipk", "base");
+    add("pkg", "1.1", "active");
+    EXPECT_EQ(
+        cmpnt_get_target_pkg_path("pkg", "1.1", nullptr, &backup_index, nullptr, &remove_index),
+        -1);
+    EXPECT_EQ(backup_index, 0);
+    backup_index = -1;
+    EXPECT_EQ(ask("pkg", "1.1"), -1);
+    EXPECT_EQ(backup_index, -1);
+}
+
 // ---- Several records, or none, in force ---------------------------------------------------------
 
 TEST_F(TargetPath, TakesTheNewestThatRemainsAndDeletesTheVersionTakenAway) {

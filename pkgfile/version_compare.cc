@@ -5,8 +5,12 @@
 
 namespace {
 
-// Callers test for these values.
-enum { NO_ORDER = -1, OLDER = 2, EQUAL = 3, NEWER = 4 };
+enum {
+    NO_ORDER = -1,
+    OLDER = CMPNT_VERSION_OLDER,
+    EQUAL = CMPNT_VERSION_EQUAL,
+    NEWER = CMPNT_VERSION_NEWER
+};
 
 struct Weights {
     int16_t of[128];

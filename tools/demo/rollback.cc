@@ -29,11 +29,11 @@ void choose(PackageOutcome &outcome, char **paths, int32_t *path_count, char **r
     const int32_t removals_before = *removal_count;
     switch (cmpnt_get_target_pkg_path(outcome.package.c_str(), outcome.withdrawn_version.c_str(),
                                       paths, path_count, removals, removal_count)) {
-        case 0:
+        case CMPNT_TARGET_STORED:
             outcome.decision = Decision::TO_FILE;
             outcome.path = paths[*path_count - 1];
             break;
-        case 4:
+        case CMPNT_TARGET_NO_FILE:
             outcome.decision =
                 *removal_count > removals_before ? Decision::REMOVE : Decision::KEEP_BASE;
             break;
