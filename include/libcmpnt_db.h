@@ -506,8 +506,8 @@ typedef int32_t (*cmpnt_line_handler)(void *record, char *line, cmpnt_file_param
 /* Reads the stream line by line, up to 1 MiB a line, into the handler. *line_buffer is a malloc block
  * of 1024 bytes that the reader may move as lines grow; it stays the caller's to free, and is null
  * after a failed realloc, which loses the block. The last line counts with or without a newline
- * (without one the handler's answer is not looked at). Handlers must leave *line_buffer alone. -1 for a
- * read error, a longer line, a failed realloc, an answer of -4. */
+ * (without one the handler's answer is not looked at). Handlers must leave *line_buffer alone. -1
+ * for a read error, a longer line, a failed realloc, an answer of -4. */
 CMPNT_API int32_t parse_info_from_stream(cmpnt_line_handler handler, void *record, FILE *stream,
                                          char **line_buffer, cmpnt_file_param *param);
 
