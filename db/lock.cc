@@ -4,9 +4,9 @@
 #include <string.h>
 #include <unistd.h>
 
-#include "common/standard_streams.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
+#include "common/standard_streams.hh"
 
 namespace {
 

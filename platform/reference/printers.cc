@@ -11,8 +11,7 @@ FILE *system_log = nullptr;
 
 FILE *stream_or(FILE *chosen, FILE *standard) { return chosen != nullptr ? chosen : standard; }
 
-int32_t print_log_line(const char *tag, const char *module, const char *format,
-                       va_list arguments) {
+int32_t print_log_line(const char *tag, const char *module, const char *format, va_list arguments) {
     FILE *stream = stream_or(system_log, stderr);
     const int saved_errno = errno;
     fprintf(stream, "%s/%s: ", tag, module);
@@ -42,8 +41,8 @@ int32_t printk_syslog_lc(int32_t, const char *tag, const char *module, const cha
     return result;
 }
 
-int32_t printk_syslog_ext(int32_t, const char *tag, const char *module, int32_t,
-                          const char *format, ...) {
+int32_t printk_syslog_ext(int32_t, const char *tag, const char *module, int32_t, const char *format,
+                          ...) {
     va_list arguments;
     va_start(arguments, format);
     const int32_t result = print_log_line(tag, module, format, arguments);

@@ -29,7 +29,8 @@ bool fail(const char *what) {
 
 int main() {
     if (access("/.cmpnt-sandbox", F_OK) != 0) {
-        fprintf(stderr, "cmpnt_demo writes on the device's fixed paths: start it with ./run demo\n");
+        fprintf(stderr,
+                "cmpnt_demo writes on the device's fixed paths: start it with ./run demo\n");
         return 70;
     }
     std::vector<demo::PackageOutcome> outcomes;

@@ -139,10 +139,9 @@ bool outcomes_are_expected(const std::vector<PackageOutcome> &outcomes) {
     size_t i = 0;
     bool good = outcomes.size() == sizeof(expected) / sizeof(expected[0]);
     for (const PackageOutcome &outcome : outcomes) {
-        const bool same = i < sizeof(expected) / sizeof(expected[0]) &&
-                          outcome.package == expected[i].package &&
-                          outcome.decision == expected[i].decision &&
-                          outcome.path == expected[i].path;
+        const bool same =
+            i < sizeof(expected) / sizeof(expected[0]) && outcome.package == expected[i].package &&
+            outcome.decision == expected[i].decision && outcome.path == expected[i].path;
         if (!same) {
             printf("  unexpected: %s\n", outcome.package.c_str());
         }
