@@ -51,4 +51,4 @@ if ((16#${entries:-0} > 8)); then
     echo "static initialisers: .init_array has 0x$entries bytes"
     exit 1
 fi
-echo "needs $needed; imports" $foreign
+echo "needs $needed; imports ${foreign//$'\n'/ }"
