@@ -18,7 +18,10 @@ endif()
 set(CMPNT_LIBRARY_OPTIONS
     $<$<COMPILE_LANGUAGE:CXX>:-fno-exceptions;-fno-rtti;-fno-threadsafe-statics;-fno-use-cxa-atexit>
     -fvisibility=hidden $<$<COMPILE_LANGUAGE:CXX>:-fvisibility-inlines-hidden>
-    -fno-semantic-interposition -fno-unwind-tables -fno-asynchronous-unwind-tables)
+    -fno-semantic-interposition -fno-unwind-tables -fno-asynchronous-unwind-tables
+    # Nearly all of the library waits for a disk or a child process: it had better be small. What does
+    # not is built for speed (cmpnt_fast_sources).
+    $<$<NOT:$<CONFIG:Debug>>:-Os>)
 if(CMPNT_DEVELOPER)
     list(APPEND CMPNT_LIBRARY_OPTIONS -Wconversion -Wno-sign-conversion)
 endif()

@@ -29,3 +29,9 @@ function(cmpnt_test file)
     gtest_discover_tests(${program} DISCOVERY_MODE PRE_TEST TEST_PREFIX "${folder}/"
         DISCOVERY_TIMEOUT 60 PROPERTIES TIMEOUT 120)
 endfunction()
+
+# cmpnt_fast_sources(FILE...): work of this folder that is done for every line, row or version.
+function(cmpnt_fast_sources)
+    set_source_files_properties(${ARGN} TARGET_DIRECTORY cmpnt_objects
+        PROPERTIES COMPILE_OPTIONS $<$<NOT:$<CONFIG:Debug>>:-O2>)
+endfunction()
