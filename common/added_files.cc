@@ -7,6 +7,7 @@
 #include <string.h>
 #include <sys/stat.h>
 
+#include "common/directory_entry.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
 
@@ -36,10 +37,6 @@ void show_bundle(uint32_t mode, const char *name) {
     } else if (mode == TO_SYSLOG) {
         CMPNT_SHOW(show_added_files, "\n      smu name: %s\n", name);
     }
-}
-
-bool is_self_or_parent(const char *name) {
-    return strcmp(name, ".") == 0 || strcmp(name, "..") == 0;
 }
 
 // A path that does not fit cannot be looked at: cut, it would name the directory itself again, and the

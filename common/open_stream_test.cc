@@ -1,21 +1,14 @@
 #include "common/open_stream.hh"
 
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "common/guard.hh"
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 
 class OpenStream : public DeviceTest {
 protected:
-    void SetUp() override {
-        DeviceTest::SetUp();
-        alarm(5);  // an open that waits is killed
-    }
-    void TearDown() override {
-        alarm(0);
-        DeviceTest::TearDown();
-    }
+    Deadline an_open_that_waits_is_killed;
 };
 
 TEST_F(OpenStream, ReadsAFile) {

@@ -3,9 +3,9 @@
 
 #include <stdlib.h>
 
-namespace {
+#include "pkgfile/field.hh"
 
-char lower_case(char letter) { return static_cast<char>(letter | 0x20); }
+namespace {
 
 uint32_t digit_of(char c) {
     if (c >= '0' && c <= '9') {

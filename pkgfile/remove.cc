@@ -5,6 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include "common/directory_entry.hh"
 #include "common/guard.hh"
 #include "common/log.hh"
 
@@ -37,7 +38,7 @@ int32_t remove_directory(const char *path) {
         return -1;
     }
     while (const struct dirent *entry = readdir(directory.get())) {
-        if (strcmp(entry->d_name, ".") == 0 || strcmp(entry->d_name, "..") == 0) {
+        if (is_self_or_parent(entry->d_name)) {
             continue;
         }
         if (remove_child(path, entry->d_name) != 0) {
