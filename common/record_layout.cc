@@ -26,6 +26,10 @@ static_assert(sizeof(cmpnt_comm_info) == 303 * pointer);
 static_assert(offsetof(cmpnt_dev_info, role) == 12);
 static_assert(sizeof(cmpnt_dev_info) == 64);
 
+static_assert(offsetof(cmpnt_communication, host_words) == 0);
+static_assert(offsetof(cmpnt_communication, fds) == 8);
+static_assert(sizeof(cmpnt_communication) == 20);
+
 static_assert(offsetof(cmpnt_timer_context, owner) == 0);
 static_assert(offsetof(cmpnt_timer_context, master) == pointer);
 static_assert(sizeof(cmpnt_timer_context) == 2 * pointer);
@@ -65,6 +69,29 @@ static_assert(sizeof(cmpnt_upgrade_value) == 2368);
 static_assert(offsetof(cmpnt_upgrade_node, value) == 0);
 static_assert(offsetof(cmpnt_upgrade_node, link) == 2368);
 static_assert(sizeof(cmpnt_upgrade_node) == 2368 + 2 * pointer);
+
+// The fields stand as in an upgrade record from op_flag on.
+static_assert(offsetof(cmpnt_smu_value, op_flag) == 0);
+static_assert(offsetof(cmpnt_smu_value, patch_name) == 4);
+static_assert(offsetof(cmpnt_smu_value, state_name) == 84);
+static_assert(offsetof(cmpnt_smu_value, description) == 109);
+static_assert(offsetof(cmpnt_smu_value, patch_ver) == 365);
+static_assert(offsetof(cmpnt_smu_value, patch_id) == 397);
+static_assert(offsetof(cmpnt_smu_value, effective_time) == 477);
+static_assert(offsetof(cmpnt_smu_value, last_patch) == 509);
+static_assert(offsetof(cmpnt_smu_value, patch_size) == 592);
+static_assert(offsetof(cmpnt_smu_value, patch_order) == 596);
+static_assert(offsetof(cmpnt_smu_value, patch_type) == 600);
+static_assert(sizeof(cmpnt_smu_value) == 604);
+
+static_assert(offsetof(cmpnt_smu_node, value) == 0);
+static_assert(offsetof(cmpnt_smu_node, link) == (pointer == 4 ? 604 : 608));
+static_assert(sizeof(cmpnt_smu_node) == (pointer == 4 ? 612 : 624));
+
+static_assert(offsetof(cmpnt_md5_context, count) == 0);
+static_assert(offsetof(cmpnt_md5_context, state) == 8);
+static_assert(offsetof(cmpnt_md5_context, buffer) == 24);
+static_assert(sizeof(cmpnt_md5_context) == 88);
 
 // Five words on the device; the pointers among them are whole pointers elsewhere.
 static_assert(offsetof(cmpnt_file_param, mode) == 0);

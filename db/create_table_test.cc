@@ -112,7 +112,7 @@ TEST_F(CreateTable, IsNotTriedAgainOnALockedFile) {
     EXPECT_EQ(cmpnt_create_pkg_table(CMPNT_SERVER_TABLE, CMPNT_DB_MAIN), -1);
     EXPECT_TRUE(logged("BEGIN_ERROR", "cmpnt_create_pkg_table",
                        "sqlite exec create tabale error: database is locked\n"));
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(CreateTable, LeavesNoDescriptorOpen) {

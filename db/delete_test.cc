@@ -83,5 +83,5 @@ TEST_F(Delete, ReportsAnErrorAndIsNotTriedAgain) {
     EXPECT_TRUE(
         logged("CMPNT_ERROR", "delete_table_record_from_db", "sqlite error: database is locked\n"));
     EXPECT_EQ(trace_lines().size(), 2u);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }

@@ -24,6 +24,9 @@ struct ListLoad : RowReader {
 int select_current_callback(void *list_load, int columns, char **values, char **names);
 int select_all_to_list_callback(void *list_load, int columns, char **values, char **names);
 int select_to_list_by_pkg_version_cb(void *row_reader, int columns, char **values, char **names);
+int select_to_list_by_smu_cb(void *list_load, int columns, char **values, char **names);
+int select_to_list_by_single_patch_cb(void *list_load, int columns, char **values, char **names);
+int select_to_auto_sync_list_cb(void *list_load, int columns, char **values, char **names);
 int select_all_to_hp_list_callback(void *list_load, int columns, char **values, char **names);
 
 #endif

@@ -104,7 +104,7 @@ TEST_F(Operate, Code2FailsForAnUpgradeRowThatIsThere) {
     EXPECT_TRUE(logged("CMPNT_ERROR", "operate_pkg_info_table", "update pkg info table fail.\n"));
     EXPECT_TRUE(
         logged("CMPNT_ERROR", "cmpnt_operate_pkg_database", "operate_pkg_info_table fail.\n"));
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
     EXPECT_EQ(upgrade_rows("cur_pkg_path, cur_version"), (std::vector<SqlRow>{{"/path", "1"}}));
 }
 
@@ -532,7 +532,7 @@ TEST_F(Operate, AnotherReaderOrWriterIsWaitedForByUpdates) {
         other.run(begin);
         other.run("select * from pkg_upgrade_table");  // and reads on
         EXPECT_EQ(on_upgrade(8, "p", "a"), -1) << begin;
-        EXPECT_EQ(fault::calls("sleep"), 5) << begin;
+        EXPECT_EQ(fault::calls("nanosleep"), 5) << begin;
         other.run("rollback");
     }
     EXPECT_EQ(on_upgrade(8, "p", "a"), 0);
@@ -544,7 +544,7 @@ TEST_F(Operate, AnotherWriterIsNotWaitedForByInsertsAndDeletes) {
     other.run("begin immediate");
     EXPECT_EQ(on_upgrade(13, "p", "a"), -1);
     EXPECT_EQ(on_upgrade(1, "new", "a"), -1);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(Operate, AnExclusiveHolderIsNotWaitedFor) {
@@ -556,7 +556,7 @@ TEST_F(Operate, AnExclusiveHolderIsNotWaitedFor) {
         logged("CMPNT_ERROR", "pkg_name_is_exist_in_db", "sqlite error: database is locked\n"));
     EXPECT_TRUE(
         logged("CMPNT_ERROR", "cmpnt_operate_pkg_database", "pkg_name_is_exist_in_db fail.\n"));
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(Operate, HostileNamesAreStoredOrRefused) {

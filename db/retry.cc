@@ -1,8 +1,8 @@
 // The runner of updates: the only statements that are tried again.
 #include <string.h>
-#include <unistd.h>
 
 #include "common/log.hh"
+#include "common/pause.hh"
 #include "db/write.hh"
 
 namespace {
@@ -11,13 +11,6 @@ constexpr int attempt_limit = 6;
 
 bool is_locked(const SqliteError &error) {
     return error && strstr(error.get(), "database is locked") != nullptr;
-}
-
-// All of it, also where the host's timers interrupt it.
-void pause_for_a_second() {
-    for (unsigned rest = 1; rest > 0;) {
-        rest = sleep(rest);
-    }
 }
 
 }  // namespace

@@ -47,8 +47,8 @@ TEST_F(Retry, TriesALockedFileSixTimesASecondApart) {
     other.run("begin immediate");
     EXPECT_EQ(cmpnt_sqlite3_exec(connection.db(), statement), -1);
     EXPECT_EQ(fault::calls("sqlite3_exec"), 6);
-    EXPECT_EQ(fault::calls("sleep"), 5);
-    EXPECT_EQ(fault::slept(), 5u);
+    EXPECT_EQ(fault::calls("nanosleep"), 5);
+    EXPECT_EQ(fault::slept(), 5);
     EXPECT_EQ(traced("error", "cmpnt_sqlite3_exec", locked), 6);
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", locked));
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", gave_up));
@@ -75,7 +75,7 @@ TEST_F(Retry, DoesNotComeForOtherErrors) {
                        "sqlite error: no such table: nowhere, table(update nowhere set a = 1)\n"));
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", gave_up));
     EXPECT_EQ(trace_lines().size(), 2u);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(Retry, DoesNotComeForAnErrorWithoutWords) {
@@ -85,7 +85,7 @@ TEST_F(Retry, DoesNotComeForAnErrorWithoutWords) {
                        "sqlite error: (null), table(update t set a = 2)\n"));
     EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_sqlite3_exec", gave_up));
     EXPECT_EQ(fault::calls("sqlite3_exec"), 1);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(Retry, GoesByTheWordsEvenOfAnotherError) {
@@ -103,7 +103,7 @@ TEST_F(Retry, IsMetByAnotherProcessToo) {
     });
     ASSERT_TRUE(child.says());
     EXPECT_EQ(cmpnt_sqlite3_exec(connection.db(), statement), -1);
-    EXPECT_EQ(fault::calls("sleep"), 5);
+    EXPECT_EQ(fault::calls("nanosleep"), 5);
     child.kill();
     EXPECT_EQ(cmpnt_sqlite3_exec(connection.db(), statement), 0);
 }

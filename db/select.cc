@@ -34,14 +34,15 @@ constexpr RowMode row_modes[] = {
      &cmpnt_upgrade_list, NameKey::patch_and_package},
     {CMPNT_ROWS_CLEAR, select_clear_callback, RowContext::argument},
     {CMPNT_ROWS_NOT_INSTALLED, select_to_list_by_pkg_version_cb, RowContext::row_reader},
+    {CMPNT_ROWS_BY_SMU, select_to_list_by_smu_cb, RowContext::list_load, &cmpnt_upgrade_list,
+     NameKey::patch},
+    {CMPNT_ROWS_SINGLE_PATCHES, select_to_list_by_single_patch_cb, RowContext::list_load,
+     &cmpnt_upgrade_list, NameKey::smu_id_and_patch},
+    {CMPNT_ROWS_TO_AUTO_SYNC, select_to_auto_sync_list_cb, RowContext::list_load, &auto_sync_list,
+     NameKey::patch},
     {CMPNT_ROWS_TO_HP_LIST, select_all_to_hp_list_callback, RowContext::list_load, &cmpnt_hp_list,
      NameKey::patch_and_package},
 };
-
-// The loads by SMU and by single patch and the auto-sync load are not there yet. A caller that asks
-// for one must not take an unchanged list for its answer, so they fail.
-constexpr int32_t first_missing_mode = 7;
-constexpr int32_t last_missing_mode = 9;
 
 const RowMode *find_mode(int32_t mode) {
     for (const RowMode &known : row_modes) {
@@ -85,9 +86,6 @@ void format_select(char (&sql)[select_size], int32_t table) {
 
 int32_t select_pkg_info_table(sqlite3 *db, int32_t table, int32_t mode, uint32_t arg) {
     if (db == nullptr) {
-        return -1;
-    }
-    if (mode >= first_missing_mode && mode <= last_missing_mode) {
         return -1;
     }
     const RowMode *known = find_mode(mode);

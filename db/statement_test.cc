@@ -42,5 +42,5 @@ TEST_F(Statement, IsNotTriedAgain) {
     EXPECT_EQ(run_statement(connection.db(), "create table t(a)", "some_function"), -1);
     EXPECT_TRUE(logged("CMPNT_ERROR", "some_function", "sqlite error: database is locked\n"));
     EXPECT_EQ(fault::calls("sqlite3_exec"), 1);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }

@@ -121,7 +121,7 @@ TEST_F(Update, AnUpgradeRowIsNeverRewritten) {
                        "sqlite error: near \"where\": syntax error, table(" + statement + ")\n"));
     EXPECT_EQ(traced("error", "cmpnt_sqlite3_exec", "cmpnt_sqlite3_exec fail\n"), 1);
     EXPECT_EQ(trace_lines().size(), 2u);
-    EXPECT_EQ(fault::calls("sleep"), 0);
+    EXPECT_EQ(fault::calls("nanosleep"), 0);
 }
 
 TEST_F(Update, AnAutoSyncRowIsRewrittenButForItsHotPatchColumns) {

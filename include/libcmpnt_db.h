@@ -224,6 +224,29 @@ CMPNT_API int32_t cmpnt_rm_file(const char *name);
 /* Reads the first line of a marker file into value, which is zeroed first. */
 CMPNT_API int32_t cmpnt_get_info_from_tmp_file(const char *name, char *value, int32_t size);
 
+/* ==== Common runtime: transfer ============================================================= */
+
+/* What a host keeps of its connections. */
+typedef struct cmpnt_communication {
+    int32_t host_words[2];
+    int32_t fds[3]; /* -1: not open */
+} cmpnt_communication;
+
+CMPNT_API void cmpnt_init_communication_struct(cmpnt_communication *record); /* zeros, fds -1 */
+
+/* Writes all length bytes to a descriptor. 0, also when a write wrote nothing at all, which leaves
+ * the rest unsent; -1 for null, a failed write, or the seventh write of this call that was
+ * interrupted or would have blocked: it waits a second after each of the six before. Ignore SIGPIPE:
+ * a peer that is gone raises it. Any thread. */
+CMPNT_API int32_t send_data(int32_t fd, const void *data, uint32_t length);
+
+/* Reads one record of length bytes into buffer, which is zeroed first. It is expected in one read, or
+ * in reads of more than 8192 bytes each: after a shorter one the call returns 0 with what there is,
+ * the rest of the buffer zero. -1 for null, a failed read or a peer that closed; -3 for the third
+ * read of this call that was interrupted or would have blocked, a second after each of the two
+ * before. The buffer then holds what had come. 0 at once for a length below 1. Any thread. */
+CMPNT_API int32_t recv_data(int32_t fd, void *buffer, int32_t length);
+
 /* Sets descriptor status flags with fcntl. Returns the current flags when all were set already, else
  * what F_SETFL returned; a failure is logged and returns 0. */
 CMPNT_API int32_t cmpnt_set_recv_flag(int32_t fd, uint32_t flags);
@@ -329,7 +352,7 @@ typedef struct cmpnt_list_head {
 /* Empty at load. */
 extern CMPNT_API cmpnt_list_head cmpnt_upgrade_list; /* of cmpnt_upgrade_node */
 extern CMPNT_API cmpnt_list_head cmpnt_hp_list;      /* of cmpnt_upgrade_node */
-extern CMPNT_API cmpnt_list_head cmpnt_smu_list;     /* filled by the host */
+extern CMPNT_API cmpnt_list_head cmpnt_smu_list;     /* of cmpnt_smu_node; filled by the host */
 extern CMPNT_API cmpnt_list_head hash_verify_list;
 extern CMPNT_API cmpnt_list_head auto_sync_list; /* of cmpnt_upgrade_node */
 extern CMPNT_API cmpnt_list_head app_sync_list;  /* of cmpnt_upgrade_node; filled by the host */
@@ -377,6 +400,30 @@ typedef struct cmpnt_upgrade_node {
 /* The node that a link belongs to. */
 #define CMPNT_UPGRADE_NODE(link_pointer)                                                           \
     ((cmpnt_upgrade_node *)(void *)((char *)(link_pointer)-offsetof(cmpnt_upgrade_node, link)))
+
+/* What the SMU list holds of an SMU: an upgrade record from op_flag to patch_type. */
+typedef struct cmpnt_smu_value {
+    int32_t op_flag;
+    char patch_name[80];
+    char state_name[25];
+    char description[256];
+    char patch_ver[32];
+    char patch_id[80];
+    char effective_time[32];
+    char last_patch[80];
+    int32_t patch_size;
+    int32_t patch_order;
+    int32_t patch_type; /* 1: a single patch */
+} cmpnt_smu_value;
+
+/* Made, linked and freed by the host. */
+typedef struct cmpnt_smu_node {
+    cmpnt_smu_value value;
+    cmpnt_list_head link;
+} cmpnt_smu_node;
+
+#define CMPNT_SMU_NODE(link_pointer)                                                               \
+    ((cmpnt_smu_node *)(void *)((char *)(link_pointer)-offsetof(cmpnt_smu_node, link)))
 
 /* Make a head empty, whatever it held; nodes are not freed (recycle first). */
 CMPNT_API void cmpnt_upgrade_list_init(void);
@@ -447,6 +494,110 @@ enum { CMPNT_TARGET_STORED = 0, CMPNT_TARGET_NO_FILE = 4 };
 CMPNT_API int32_t cmpnt_get_target_pkg_path(const char *pkg_name, const char *version,
                                             char **backup_paths, int32_t *backup_index,
                                             char **remove_names, int32_t *remove_index);
+
+/* ==== Upgrade lists: SMUs and single patches =============================================== */
+
+/* Predicates over the SMU type word, op_flag of a record: 1 or 0, several may hold. */
+CMPNT_API int32_t cmpnt_smu_is_cold(int32_t op_flag);
+CMPNT_API int32_t cmpnt_smu_is_app(int32_t op_flag);
+CMPNT_API int32_t cmpnt_smu_is_hp(int32_t op_flag);
+
+/* Append a copy of the record to the upgrade list, unless a node has the same patch_name; then 0.
+ * -1 for null or without memory. */
+CMPNT_API int32_t cmpnt_add_to_list_by_smu(const cmpnt_upgrade_value *record);
+/* ... if it is a single patch, and unless it has an SMU id (card_id) above 0 and a node has the same
+ * id and patch_name; in both cases 0. */
+CMPNT_API int32_t cmpnt_add_to_list_by_single(const cmpnt_upgrade_value *record);
+
+/* Removes the directory of every record in the upgrade list that is no application SMU: its
+ * cur_pkg_path up to the last "/", whatever lies there ("/data/x.bin" removes /data). A path without
+ * "/" is removed itself, relative to the working directory. The list stays. */
+CMPNT_API void cmpnt_delete_not_install_patch(void);
+
+/* The lists that a patch list kind names; any other kind is the upgrade list too. */
+enum { CMPNT_SINGLES_IN_FORCE = 1, CMPNT_SINGLES_OF_SMU_LIST = 2, CMPNT_SINGLES_OF_ANY_STATE = 3 };
+
+/* Stores how many single patches the kind's list holds. */
+CMPNT_API void cmpnt_get_single_patch_num(int32_t *count, int32_t kind);
+
+/* 1 when the upgrade list holds a single patch in this state, else 0. */
+CMPNT_API int32_t cmpnt_is_target_state_single_patch(const char *state);
+
+/* Copies the index-th single patch of the kind's list, counted from 1, into out; out is zeroed first
+ * and stays zero when there are fewer. From the SMU list the fields op_flag to patch_type are copied,
+ * the others stay zero. */
+CMPNT_API void cmpnt_get_smu_version_by_index(cmpnt_upgrade_value *out, int32_t index,
+                                              int32_t kind);
+
+/* Copies the newer by patch_ver of the kind's single patches, of which there are one or two, into
+ * out, which is zeroed first. Kind 1 takes it only in a state in force; a kind outside 1 to 3 takes
+ * none. 0 also when out stays zero, for that or because there are none or more than two. -1 for null
+ * or two of equal versions. */
+CMPNT_API int32_t cmpnt_get_newest_single_patch(cmpnt_upgrade_value *out, int32_t kind);
+
+/* Kinds of package files. */
+enum {
+    CMPNT_PKG_TYPE_IMAGE = 1,       /* .bin; its destination ends in ".single" */
+    CMPNT_PKG_TYPE_MULTIPLE = 2,    /* ".multiple"; no file name has this kind */
+    CMPNT_PKG_TYPE_DEB = 3,         /* .deb; ".new" */
+    CMPNT_PKG_TYPE_UNSUPPORTED = 4, /* any other suffix */
+    CMPNT_PKG_TYPE_SIDE_FILE = 5    /* .sign, .hash */
+};
+
+/* Writes base and the suffix of the destination of a package type into dst, 260 bytes, zeroed first.
+ * -1 for null or for another type, which leaves dst empty. */
+CMPNT_API int32_t cmpnt_get_dest_path(const char *base, char *dst, uint32_t type);
+
+/* ==== Upgrade lists: synchronisation and hot-patch guard =================================== */
+
+enum { CMPNT_AUTO_SYNC_LIST = 0, CMPNT_APP_SYNC_LIST = 1 };
+
+/* Appends a copy of the record to a synchronisation list; it stays the caller's, who also frees the
+ * nodes of these lists (cmpnt_free_pointer). -1 for null or without memory. Another selector appends
+ * nothing and gives 0. */
+CMPNT_API int32_t insert_auto_sync_node_to_list(const cmpnt_upgrade_value *record, int32_t list);
+
+/* 1 when a node of auto_sync_list has this patch_name, else 0. */
+CMPNT_API int32_t smu_name_is_in_auto_sync_list(const char *name);
+
+/* 0 when the SMU file "/data/cmpnt/opkg/download/NAME" is unpacked: its destination (see
+ * cmpnt_get_dest_path) is a directory with at least one package file; else 1. Looking deletes the
+ * directory's stray files, as dir_is_null does. */
+CMPNT_API int32_t smu_dir_path_is_null(const char *name);
+
+/* 0 when no hot patch of the hot-patch list has the file among its targets; -1 when one does, for
+ * null, or when the 79 bytes of hotpatch_target hold 32 names or more. Frees the hot-patch list, but
+ * for null: load it anew before each call. */
+CMPNT_API int32_t cmpnt_traverse_list_and_check_hotpatch_target(const char *file_name);
+
+/* ==== Integrity digests: MD5 =============================================================== */
+
+/* State of a digest (RFC 1321), in the caller's memory. The library itself never goes through these
+ * exported names, so another library's functions of the same names cannot get at its digests. */
+typedef struct cmpnt_md5_context {
+    uint32_t count[2]; /* message bits so far, modulo 2^64, the low word first */
+    uint32_t state[4];
+    uint8_t buffer[64]; /* input not yet processed */
+} cmpnt_md5_context;
+
+/* Pointers are not null, but for the input of length 0. Any thread, each with its own context. */
+CMPNT_API void MD5Init(cmpnt_md5_context *context);
+CMPNT_API void MD5Update(cmpnt_md5_context *context, const uint8_t *input, uint32_t length);
+CMPNT_API void MD5Final(uint8_t digest[16], cmpnt_md5_context *context); /* does not wipe it */
+/* Their steps: one block, and words to bytes and back, little-endian. length in bytes, a multiple of
+ * 4. */
+CMPNT_API void MD5Transform(uint32_t state[4], const uint8_t block[64]);
+CMPNT_API void MD5Encode(uint8_t *output, const uint32_t *input, uint32_t length);
+CMPNT_API void MD5Decode(uint32_t *output, const uint8_t *input, uint32_t length);
+
+/* Writes the MD5 digest of a file into digest: 33 bytes, 32 lower-case hexadecimal digits and the
+ * terminator. -1 for null or a file that cannot be opened, digest as it was. A read error ends the
+ * file and still gives 0; so does a read that brings less than 1024 bytes, as those of pipes may. A
+ * pipe without a writer is waited for. */
+CMPNT_API int32_t calculate_file_md5sum(const char *path, char *digest);
+
+/* 0 when the file's digest is exactly the expected text (lower case, nothing around it), else -1. */
+CMPNT_API int32_t file_md5_check(const char *expected, const char *path);
 
 /* ==== Package metadata: parsing ============================================================ */
 
@@ -610,6 +761,44 @@ CMPNT_API uint32_t cmpnt_get_available_kbytes(const char *path);
 CMPNT_API int32_t cmpnt_check_reserve_space_is_enough(const char *path, int32_t need_kbytes);
 
 CMPNT_API int32_t cmpnt_tmp_file_is_exist(const char *name); /* 1: TMPDIR + name exists */
+
+/* ==== Package metadata: package files ====================================================== */
+
+CMPNT_API int32_t str_is_empty(const char *text); /* 1: no byte; text is not null */
+
+/* Copies the suffix of a file name, from its last "." on, into suffix, which has size bytes and is
+ * zeroed first; a suffix of exactly size bytes loses its last one. -1 for null, no ".", nothing
+ * behind it, or a longer suffix. The whole text counts: "/d.x/f" has the suffix ".x/f". */
+CMPNT_API int32_t get_file_type(const char *file_name, char *suffix, int32_t size);
+
+/* Tells the kind of a package file by its suffix: 0 and the kind for ".bin" and ".deb", -1 and the
+ * kind for others, -1 with *type as it was without a suffix. Case counts. */
+CMPNT_API int32_t cmpnt_file_type_check(const char *file_name, uint32_t *type);
+
+/* Adds the paths of the package files of a directory (".bin", ".deb"; links too, never followed) to
+ * record, and their sizes. Files that are neither package nor side files (".sign", ".hash") are
+ * DELETED; sub-directories stay and are not entered. Zero the record before its first use; free it
+ * with cmpnt_free_file_name. -1 for null or a directory that cannot be opened, record as it was; and
+ * for an entry that cannot be examined, one that comes when 300 names are held, or no memory: the
+ * names are then freed and the count stays, so zero the record before it is used or freed again. */
+CMPNT_API int32_t cmpnt_traverse_folder(const char *path, file_name_list *record);
+
+/* What cmpnt_traverse_folder finds in a directory; stray files are deleted all the same. */
+enum {
+    CMPNT_DIR_NULL_PATH = 0,
+    CMPNT_DIR_FAILED = 1,
+    CMPNT_DIR_NO_PACKAGE = 2,
+    CMPNT_DIR_HAS_PACKAGE = 3
+};
+CMPNT_API uint32_t dir_is_null(const char *path);
+
+/* Reads the control file of an SMU or patch; record is zeroed as by parse_pkg_info_from_file, and its
+ * serial and card_type are the caller's to free. */
+CMPNT_API int32_t cmpnt_get_pkg_info_from_control(cmpnt_control_info *record, const char *path);
+
+/* Writes the version that "/var/lib/opkg/status" gives for the package into version, 32 bytes. -1,
+ * version as it was, without that file or package. */
+CMPNT_API int32_t cmpnt_get_pkg_current_version(const char *pkg_name, char *version);
 
 /* ==== Package database ===================================================================== */
 
@@ -788,14 +977,17 @@ enum {
     CMPNT_ROWS_CLEAR = 5,           /* removes the directories of SMUs no longer needed, but for
                                         those of paths of 260 bytes or more */
     CMPNT_ROWS_NOT_INSTALLED = 6,   /* cmpnt_add_to_list_by_pkg_version */
+    CMPNT_ROWS_BY_SMU = 7,          /* cmpnt_add_to_list_by_smu */
+    CMPNT_ROWS_SINGLE_PATCHES = 8,  /* cmpnt_add_to_list_by_single */
+    CMPNT_ROWS_TO_AUTO_SYNC = 9,    /* insert_auto_sync_node_to_list, auto_sync_list, each SMU once
+                                        and only those unpacked (smu_dir_path_is_null) */
     CMPNT_ROWS_NOTHING = 10,
     CMPNT_ROWS_TO_HP_LIST = 11 /* cmpnt_add_upgrade_value_to_list, hot-patch list */
 };
 
 /* Reads a whole table and hands every row to the mode's action. arg belongs to mode 5: its low byte
  * is the communication type, the next the device type. A missing file gives 0 and is not created. The
- * lists keep what they held. A mode that is not listed does nothing and gives 0, but 7, 8 and 9, kept
- * for loads that are not there yet, give -1. */
+ * lists keep what they held. A mode that is not listed does nothing and gives 0. */
 CMPNT_API int32_t traverse_pkg_info_table(int32_t table, int32_t mode, uint32_t arg,
                                           int32_t db_type);
 CMPNT_API int32_t select_pkg_info_table(struct sqlite3 *db, int32_t table, int32_t mode,
@@ -832,6 +1024,40 @@ CMPNT_API int32_t cmpnt_update_deactive_time(const char *patch_name); /* the tim
  * and its transfer leftover "_temp_NAME__"; in one with ".single", ".multiple" or ".new" that whole
  * directory; elsewhere nothing. A path of 260 bytes or more gives -1. */
 CMPNT_API int32_t cmpnt_delete_pkg_by_path(const char *path);
+
+/* ==== Hot-patch lookup ===================================================================== */
+
+/* Given each answer in turn: the criteria with their wildcards filled in, valid during the call.
+ * 0 goes on. It may call the library, and must not throw or jump out. */
+typedef int32_t (*libcmpnt_db_find_callback)(const char *filled);
+
+/* Asks the main database which upgrade records satisfy the criteria, in database order (of rows with
+ * the same patch and package the first). The criteria are items joined by "#", each a key, ":" and a
+ * value. With the value "*" the item is filled in with the record's; any other value is a condition:
+ *     Is_hotpatch:1#Package:*
+ * Keys: Is_hotpatch (1 or 0), Package, Hotpatch_file, Hotpatch_target_pkg (the record's
+ * hotpatch_target), Hotpatch_target_path, State (a word), Pkg_path, and, as a condition alone,
+ * Version. At least one condition and one "*"; at most 31 items. Write items to be filled in before
+ * conditions on the same key.
+ *     0  every record was examined, also when none matched or the database is missing
+ *    -1  null; criteria that cannot be split, or that lack a condition (when there is a record) or
+ *        a "*" (when one matches); a key that cannot be filled in; no memory
+ *    -2  the records could not be loaded
+ *    -4  a condition on an unknown key
+ *     other  what the callback returned, which ended the lookup
+ * The hot-patch list is used for the records, and is empty afterwards. */
+CMPNT_API int32_t libcmpnt_db_find(const char *criteria, libcmpnt_db_find_callback callback);
+
+/* One record's part in it, with the same results. */
+CMPNT_API int32_t get_hotpatch_to_db(const cmpnt_upgrade_value *record, const char *criteria,
+                                     libcmpnt_db_find_callback callback);
+
+/* Compares the file that a hot patch targets with the digests recorded for it: of the main database's
+ * records the first with this cur_pkg_path tells the file (hotpatch_target_path) and its MD5 as
+ * shipped and stripped. 0 when one of them is right, and when no record has this path; -1 for null or
+ * a file that is neither or missing; -2 when the records could not be loaded. The hot-patch list is
+ * used for the records, and is empty afterwards. */
+CMPNT_API int32_t libcmpnt_db_check_hp_tgt_md5(const char *pkg_path);
 
 #ifdef __cplusplus
 }

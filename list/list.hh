@@ -29,6 +29,11 @@ inline const cmpnt_upgrade_node *upgrade_node_of(const cmpnt_list_head *link) {
                                                         offsetof(cmpnt_upgrade_node, link));
 }
 
+inline const cmpnt_smu_node *smu_node_of(const cmpnt_list_head *link) {
+    return reinterpret_cast<const cmpnt_smu_node *>(reinterpret_cast<const char *>(link) -
+                                                    offsetof(cmpnt_smu_node, link));
+}
+
 // for (const cmpnt_upgrade_value &value : UpgradeRecords(&cmpnt_upgrade_list)): the records of a list
 // whose nodes stay while it is walked.
 class UpgradeRecords {

@@ -14,34 +14,59 @@ constexpr size_t first_capacity = 64;
 
 bool same_name(const char *a, const char *b) { return strncmp(a, b, name_length) == 0; }
 
-bool has_names(const cmpnt_upgrade_value &value, NameKey key, const char *patch_name,
-               const char *pkg_name) {
-    return same_name(value.pkg_name, pkg_name) &&
-           (key == NameKey::package || same_name(value.patch_name, patch_name));
+bool same_package(const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    return same_name(a.pkg_name, b.pkg_name);
 }
+
+bool same_patch(const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    return same_name(a.patch_name, b.patch_name);
+}
+
+bool is_alike(NameKey key, const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    switch (key) {
+        case NameKey::package:
+            return same_package(a, b);
+        case NameKey::patch:
+            return same_patch(a, b);
+        case NameKey::smu_id_and_patch:
+            return a.card_id == b.card_id && same_patch(a, b);
+        default:
+            return same_package(a, b) && same_patch(a, b);
+    }
+}
+
+constexpr uint32_t offset_basis = 2166136261u;
+constexpr uint32_t prime = 16777619u;
 
 // FNV-1a; the end of a name counts, so that "ab" "c" is not "a" "bc".
 uint32_t hash_name(uint32_t hash, const char *name) {
-    constexpr uint32_t prime = 16777619u;
     for (size_t i = 0; i < name_length && name[i] != '\0'; i++) {
         hash = (hash ^ static_cast<unsigned char>(name[i])) * prime;
     }
     return (hash ^ 0xFFu) * prime;
 }
 
-uint32_t hash_names(NameKey key, const char *patch_name, const char *pkg_name) {
-    constexpr uint32_t offset_basis = 2166136261u;
-    const uint32_t hash = hash_name(offset_basis, pkg_name);
-    return key == NameKey::package ? hash : hash_name(hash, patch_name);
+uint32_t hash_of(NameKey key, const cmpnt_upgrade_value &record) {
+    switch (key) {
+        case NameKey::package:
+            return hash_name(offset_basis, record.pkg_name);
+        case NameKey::patch:
+            return hash_name(offset_basis, record.patch_name);
+        case NameKey::smu_id_and_patch:
+            return hash_name(offset_basis ^ static_cast<uint32_t>(record.card_id),
+                             record.patch_name);
+        default:
+            return hash_name(hash_name(offset_basis, record.pkg_name), record.patch_name);
+    }
 }
 
 }  // namespace
 
-const cmpnt_upgrade_node *first_node_with_names(const cmpnt_list_head *list, NameKey key,
-                                                const char *patch_name, const char *pkg_name) {
+const cmpnt_upgrade_node *first_node_like(const cmpnt_list_head *list, NameKey key,
+                                          const cmpnt_upgrade_value &record) {
     for (const cmpnt_list_head *link = list->next; link != list; link = link->next) {
         const cmpnt_upgrade_node *node = upgrade_node_of(link);
-        if (has_names(node->value, key, patch_name, pkg_name)) {
+        if (is_alike(key, node->value, record)) {
             return node;
         }
     }
@@ -59,12 +84,11 @@ NameIndex::NameIndex(const cmpnt_list_head *list, NameKey key) : list_(list), ke
 
 NameIndex::~NameIndex() { free(slots_); }
 
-const cmpnt_upgrade_node *NameIndex::find(const char *patch_name, const char *pkg_name) const {
+const cmpnt_upgrade_node *NameIndex::find(const cmpnt_upgrade_value &record) const {
     if (capacity_ == 0) {
-        return first_node_with_names(list_, key_, patch_name, pkg_name);
+        return first_node_like(list_, key_, record);
     }
-    const uint32_t hash = hash_names(key_, patch_name, pkg_name);
-    return slots_[slot_of(hash, patch_name, pkg_name)].node;
+    return slots_[slot_of(hash_of(key_, record), record)].node;
 }
 
 void NameIndex::add(const cmpnt_upgrade_node *node) {
@@ -123,22 +147,20 @@ bool NameIndex::resize(size_t capacity) {
     return true;
 }
 
-// The slot of these names, or the free one where they belong.
-size_t NameIndex::slot_of(uint32_t hash, const char *patch_name, const char *pkg_name) const {
+// The slot of the record's duplicates, or the free one where they belong.
+size_t NameIndex::slot_of(uint32_t hash, const cmpnt_upgrade_value &record) const {
     size_t slot = hash & (capacity_ - 1);
     while (slots_[slot].node != nullptr &&
-           (slots_[slot].hash != hash ||
-            !has_names(slots_[slot].node->value, key_, patch_name, pkg_name))) {
+           (slots_[slot].hash != hash || !is_alike(key_, slots_[slot].node->value, record))) {
         slot = (slot + 1) & (capacity_ - 1);
     }
     return slot;
 }
 
-// The first node of a name keeps its slot.
+// The first of several duplicates keeps the slot.
 void NameIndex::place(const cmpnt_upgrade_node *node) {
-    const cmpnt_upgrade_value &value = node->value;
-    const uint32_t hash = hash_names(key_, value.patch_name, value.pkg_name);
-    Slot &slot = slots_[slot_of(hash, value.patch_name, value.pkg_name)];
+    const uint32_t hash = hash_of(key_, node->value);
+    Slot &slot = slots_[slot_of(hash, node->value)];
     if (slot.node == nullptr) {
         slot = {node, hash};
     }

@@ -1,5 +1,5 @@
-// A hash index over the names of a list's nodes, for the time of one load: it gives the answers of a
-// walk from the head without the walk.
+// A hash index over what a list's nodes are known by, for the time of one load: it gives the answers of
+// a walk from the head without the walk.
 //
 //     NameIndex index(&cmpnt_upgrade_list, NameKey::patch_and_package);
 //     ... cmpnt_add_upgrade_value_to_list(record, CMPNT_UPGRADE_LIST, &index) for each row ...
@@ -14,12 +14,12 @@
 
 #include "libcmpnt_db.h"
 
-enum class NameKey { patch_and_package, package };
+// What makes two records duplicates. Names are compared as far as a record holds them.
+enum class NameKey { patch_and_package, package, patch, smu_id_and_patch };
 
-// Names are compared as far as a record holds them, so a longer text stands for what a record would
-// keep of it. With NameKey::package the patch name is not looked at and may be null.
-const cmpnt_upgrade_node *first_node_with_names(const cmpnt_list_head *list, NameKey key,
-                                                const char *patch_name, const char *pkg_name);
+// The first node that is a duplicate of the record by this key.
+const cmpnt_upgrade_node *first_node_like(const cmpnt_list_head *list, NameKey key,
+                                          const cmpnt_upgrade_value &record);
 
 class NameIndex {
 public:
@@ -28,8 +28,8 @@ public:
     NameIndex &operator=(const NameIndex &) = delete;
     ~NameIndex();
 
-    // What first_node_with_names() answers now.
-    const cmpnt_upgrade_node *find(const char *patch_name, const char *pkg_name) const;
+    // What first_node_like() answers now.
+    const cmpnt_upgrade_node *find(const cmpnt_upgrade_value &record) const;
 
     // The node was appended to the list.
     void add(const cmpnt_upgrade_node *node);
@@ -43,7 +43,7 @@ private:
     bool resize(size_t capacity);
     void build();
     void give_up();
-    size_t slot_of(uint32_t hash, const char *patch_name, const char *pkg_name) const;
+    size_t slot_of(uint32_t hash, const cmpnt_upgrade_value &record) const;
     void place(const cmpnt_upgrade_node *node);
 
     const cmpnt_list_head *list_;

@@ -4,12 +4,20 @@
 #include "common/log.hh"
 #include "list/list.hh"
 #include "list/smu_kind.hh"
+#include "list/upgrade_list.hh"
 
 namespace {
 
 bool passes(const cmpnt_upgrade_value &value, const char *state, int32_t app_only) {
     return (app_only != 1 || is_smu_kind(value, smu_application)) &&
            (state == nullptr || strcmp(value.state_name, state) == 0);
+}
+
+void tell_when_list_is_empty() {
+    if (list_is_empty(&cmpnt_upgrade_list)) {
+        CMPNT_LOG_AS(log_trace, "cmpnt_is_exist_current_upgrade_list",
+                     "the current upgrade list is null.\n");
+    }
 }
 
 }  // namespace
@@ -43,15 +51,19 @@ int32_t cmpnt_is_exist_current_upgrade_list(const char *patch_name) {
         CMPNT_LOG(log_error, "param is null.\n");
         return 0;
     }
-    if (list_is_empty(&cmpnt_upgrade_list)) {
-        CMPNT_LOG(log_trace, "the current upgrade list is null.\n");
-    }
+    tell_when_list_is_empty();
     for (const cmpnt_upgrade_value &value : UpgradeRecords(&cmpnt_upgrade_list)) {
         if (strcmp(value.patch_name, patch_name) == 0) {
             return 1;
         }
     }
     return 0;
+}
+
+int32_t cmpnt_is_exist_current_upgrade_list(const cmpnt_upgrade_value &record,
+                                            const NameIndex *patch) {
+    tell_when_list_is_empty();
+    return find_node(&cmpnt_upgrade_list, patch, NameKey::patch, record) != nullptr ? 1 : 0;
 }
 
 int32_t cmpnt_get_upgrade_list_count(const char *state, int32_t app_only, int32_t list) {

@@ -8,18 +8,6 @@
 
 namespace {
 
-const cmpnt_upgrade_node *find_node(const cmpnt_list_head *list, const NameIndex *index,
-                                    NameKey key, const cmpnt_upgrade_value &record) {
-    return index != nullptr ? index->find(record.patch_name, record.pkg_name)
-                            : first_node_with_names(list, key, record.patch_name, record.pkg_name);
-}
-
-void tell_new_tail(NameIndex *index, const cmpnt_list_head *list) {
-    if (index != nullptr) {
-        index->add(upgrade_node_of(list->prev));
-    }
-}
-
 // Ends at a link that a host left null, too, and answers false then.
 bool free_nodes(cmpnt_list_head *head) {
     cmpnt_list_head *link = head->next;
@@ -34,6 +22,18 @@ bool free_nodes(cmpnt_list_head *head) {
 }
 
 }  // namespace
+
+void hand_over(OwnedUpgradeNode &node, const cmpnt_upgrade_value &record, cmpnt_list_head *list) {
+    node.get()->value = record;
+    if (list != nullptr) {
+        list_append(list, &node.release()->link);
+    }
+}
+
+const cmpnt_upgrade_node *find_node(const cmpnt_list_head *list, const NameIndex *index,
+                                    NameKey key, const cmpnt_upgrade_value &record) {
+    return index != nullptr ? index->find(record) : first_node_like(list, key, record);
+}
 
 static cmpnt_upgrade_node *malloc_cmpnt_node() {
     void *node = cmpnt_malloc(sizeof(cmpnt_upgrade_node));
@@ -80,10 +80,19 @@ int32_t insert_cmpnt_upgrade_db_to_list(const cmpnt_upgrade_value *record, int32
         CMPNT_LOG(log_error, "malloc_cmpnt_node failed!\n");
         return -1;
     }
-    node.get()->value = *record;
-    cmpnt_list_head *head = selected_list(list);
-    if (head != nullptr) {
-        list_append(head, &node.release()->link);
+    hand_over(node, *record, selected_list(list));
+    return 0;
+}
+
+int32_t append_record(const cmpnt_upgrade_value &record, int32_t list, NameIndex *index,
+                      const char *function) {
+    if (insert_cmpnt_upgrade_db_to_list(&record, list) != 0) {
+        CMPNT_LOG_AS(log_error, function, "insert_cmpnt_upgrade_db_to_list fail.\n");
+        return -1;
+    }
+    const cmpnt_list_head *head = selected_list(list);
+    if (index != nullptr && head != nullptr) {
+        index->add(upgrade_node_of(head->prev));
     }
     return 0;
 }
@@ -96,14 +105,7 @@ int32_t cmpnt_add_upgrade_value_to_list(const cmpnt_upgrade_value &record, int32
     } else if (cmpnt_search_list_by_smu_pkg(head, index, record)) {
         return 0;
     }
-    if (insert_cmpnt_upgrade_db_to_list(&record, list) != 0) {
-        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
-        return -1;
-    }
-    if (head != nullptr) {
-        tell_new_tail(index, head);
-    }
-    return 0;
+    return append_record(record, list, index, __func__);
 }
 
 int32_t cmpnt_add_upgrade_value_to_list(const cmpnt_upgrade_value *record, int32_t list) {
@@ -122,23 +124,14 @@ int32_t cmpnt_add_to_list_by_pkg_version(const cmpnt_upgrade_value *record) {
     if (strcmp(record->state_name, "installed") == 0) {
         return 0;
     }
-    if (insert_cmpnt_upgrade_db_to_list(record, CMPNT_UPGRADE_LIST) != 0) {
-        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
-        return -1;
-    }
-    return 0;
+    return append_record(*record, CMPNT_UPGRADE_LIST, nullptr, __func__);
 }
 
 int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const cmpnt_upgrade_value &record, NameIndex *index) {
     if (search_cmpnt_upgrade_list_by_pkg_name(index, record)) {
         return 0;
     }
-    if (insert_cmpnt_upgrade_db_to_list(&record, CMPNT_UPGRADE_LIST) != 0) {
-        CMPNT_LOG(log_error, "insert_cmpnt_upgrade_db_to_list fail.\n");
-        return -1;
-    }
-    tell_new_tail(index, &cmpnt_upgrade_list);
-    return 0;
+    return append_record(record, CMPNT_UPGRADE_LIST, index, __func__);
 }
 
 int32_t cmpnt_add_to_upgrade_list_by_pkg_name(const cmpnt_upgrade_value *record) {

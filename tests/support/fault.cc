@@ -8,6 +8,7 @@
 #include <string.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
+#include <time.h>
 
 #include <algorithm>
 
@@ -15,16 +16,20 @@ struct sqlite3;
 
 namespace {
 
+constexpr int64_t nanoseconds = 1000000000;  // of a second
+
 struct WrappedFunction {
     const char *name;
-    int calls;
-    int fail_from;  // the call number, 0: never
-    int fail_to;
-    int error;
+    int calls = 0;
+    int fail_from = 0;  // the call number, 0: never
+    int fail_to = 0;
+    int error = 0;
+    int limited_call = 0;
+    size_t limit = 0;
 };
 
 #define WRAPPED(name)                                                                              \
-    { #name, 0, 0, 0, 0 }
+    { #name }
 WrappedFunction functions[] = {
     WRAPPED(calloc),       WRAPPED(realloc),      WRAPPED(strndup),       WRAPPED(open64),
     WRAPPED(close),        WRAPPED(dup),          WRAPPED(dup2),          WRAPPED(fcntl64),
@@ -32,14 +37,14 @@ WrappedFunction functions[] = {
     WRAPPED(fclose),       WRAPPED(fwrite),       WRAPPED(fileno),        WRAPPED(opendir),
     WRAPPED(closedir),     WRAPPED(lstat64),      WRAPPED(statvfs64),     WRAPPED(rename),
     WRAPPED(remove),       WRAPPED(rmdir),        WRAPPED(chmod),         WRAPPED(chdir),
-    WRAPPED(popen),        WRAPPED(pclose),       WRAPPED(sleep),         WRAPPED(ferror),
+    WRAPPED(popen),        WRAPPED(pclose),       WRAPPED(nanosleep),     WRAPPED(ferror),
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
-    WRAPPED(vsnprintf),    WRAPPED(fseeko64),     WRAPPED(fflush),
+    WRAPPED(vsnprintf),    WRAPPED(fseeko64),     WRAPPED(fflush),        WRAPPED(read),
 };
 const char *sequence[256];
 int sequence_length = 0;
 bool sleeps_are_skipped = false;
-unsigned seconds_slept = 0;
+int64_t nanoseconds_slept = 0;
 bool space_is_told = false;
 unsigned long told_block_size = 0;
 unsigned long long told_blocks = 0;
@@ -75,6 +80,15 @@ bool fails(const char *name) {
     return true;
 }
 
+size_t limited(const char *name, size_t size) {
+    const WrappedFunction *function = find(name);
+    return function->calls == function->limited_call ? std::min(size, function->limit) : size;
+}
+
+int64_t in_nanoseconds(const timespec &time) {
+    return static_cast<int64_t>(time.tv_sec) * nanoseconds + time.tv_nsec;
+}
+
 }  // namespace
 
 namespace fault {
@@ -84,6 +98,12 @@ void fail(const char *name, int call, int error, int times) {
     function->fail_from = function->calls + call;
     function->fail_to = function->fail_from + times - 1;
     function->error = error;
+}
+
+void limit(const char *name, int call, size_t size) {
+    WrappedFunction *function = find(name);
+    function->limited_call = function->calls + call;
+    function->limit = size;
 }
 
 int calls(const char *name) { return find(name)->calls; }
@@ -103,7 +123,7 @@ std::string order_of(std::initializer_list<const char *> names) {
 
 void skip_sleeps() { sleeps_are_skipped = true; }
 
-unsigned slept() { return seconds_slept; }
+double slept() { return static_cast<double>(nanoseconds_slept) / nanoseconds; }
 
 void tell_space(unsigned long block_size, unsigned long long blocks) {
     space_is_told = true;
@@ -113,11 +133,11 @@ void tell_space(unsigned long block_size, unsigned long long blocks) {
 
 void reset() {
     for (WrappedFunction &function : functions) {
-        function = {function.name, 0, 0, 0, 0};
+        function = {function.name};
     }
     sequence_length = 0;
     sleeps_are_skipped = false;
-    seconds_slept = 0;
+    nanoseconds_slept = 0;
     space_is_told = false;
 }
 
@@ -142,7 +162,9 @@ WRAP(int, close, (int fd), (fd), -1)
 WRAP(int, dup, (int fd), (fd), -1)
 WRAP(int, dup2, (int from, int to), (from, to), -1)
 WRAP(int, fsync, (int fd), (fd), -1)
-WRAP(ssize_t, write, (int fd, const void *data, size_t size), (fd, data, size), -1)
+WRAP(ssize_t, read, (int fd, void *buffer, size_t size), (fd, buffer, limited("read", size)), -1)
+WRAP(ssize_t, write, (int fd, const void *data, size_t size), (fd, data, limited("write", size)),
+     -1)
 WRAP(FILE *, fopen64, (const char *path, const char *mode), (path, mode), nullptr)
 WRAP(size_t, fwrite, (const void *data, size_t size, size_t count, FILE *stream),
      (data, size, count, stream), 0)
@@ -217,11 +239,22 @@ void __wrap_sync(void) {
     fails("sync");  // only counted: a sync of the whole machine is nobody's test
 }
 
-unsigned __real_sleep(unsigned seconds);
-unsigned __wrap_sleep(unsigned seconds) {
-    fails("sleep");
-    seconds_slept += seconds;
-    return sleeps_are_skipped ? 0 : __real_sleep(seconds);
+// One that fails is half over.
+int __real_nanosleep(const timespec *time, timespec *rest);
+int __wrap_nanosleep(const timespec *time, timespec *rest) {
+    const int64_t asked = in_nanoseconds(*time);
+    int64_t left = 0;
+    int result = 0;
+    if (fails("nanosleep")) {
+        left = asked / 2;
+        *rest = {static_cast<time_t>(left / nanoseconds), static_cast<long>(left % nanoseconds)};
+        result = -1;
+    } else if (!sleeps_are_skipped) {
+        result = __real_nanosleep(time, rest);
+        left = result == 0 ? 0 : in_nanoseconds(*rest);
+    }
+    nanoseconds_slept += asked - left;
+    return result;
 }
 
 int __real_open64(const char *path, int flags, ...);

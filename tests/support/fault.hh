@@ -6,6 +6,8 @@
 #ifndef CMPNT_TESTS_FAULT_HH
 #define CMPNT_TESTS_FAULT_HH
 
+#include <stddef.h>
+
 #include <initializer_list>
 #include <string>
 
@@ -15,6 +17,9 @@ namespace fault {
 // `times - 1` calls after it.
 void fail(const char *function, int call, int error, int times = 1);
 
+// The call-th next read() or write() moves no more than this many bytes.
+void limit(const char *function, int call, size_t size);
+
 // Calls of the function since the last reset.
 int calls(const char *function);
 
@@ -22,11 +27,11 @@ int calls(const char *function);
 // "..." when there were more calls than are remembered.
 std::string order_of(std::initializer_list<const char *> functions);
 
-// sleep() returns at once, and is only counted.
+// nanosleep() returns at once, and is only counted.
 void skip_sleeps();
 
-// Seconds asked of sleep() since the last reset.
-unsigned slept();
+// Seconds spent in nanosleep() since the last reset, skipped ones too. One that fails is half over.
+double slept();
 
 // statvfs() tells of this room on every file system: the fragment size and the blocks available.
 void tell_space(unsigned long block_size, unsigned long long blocks);

@@ -1,0 +1,3 @@
+#include "common/working_record.hh"
+
+WorkingRecord g_variable = {};
