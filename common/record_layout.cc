@@ -88,6 +88,11 @@ static_assert(offsetof(cmpnt_smu_node, value) == 0);
 static_assert(offsetof(cmpnt_smu_node, link) == (pointer == 4 ? 604 : 608));
 static_assert(sizeof(cmpnt_smu_node) == (pointer == 4 ? 612 : 624));
 
+static_assert(offsetof(hash_verify_list_t, name) == 0);
+static_assert(offsetof(hash_verify_list_t, hash_value) == pointer);
+static_assert(offsetof(hash_verify_list_t, link) == 2 * pointer);
+static_assert(sizeof(hash_verify_list_t) == 4 * pointer);
+
 static_assert(offsetof(cmpnt_md5_context, count) == 0);
 static_assert(offsetof(cmpnt_md5_context, state) == 8);
 static_assert(offsetof(cmpnt_md5_context, buffer) == 24);

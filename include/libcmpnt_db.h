@@ -353,9 +353,9 @@ typedef struct cmpnt_list_head {
 extern CMPNT_API cmpnt_list_head cmpnt_upgrade_list; /* of cmpnt_upgrade_node */
 extern CMPNT_API cmpnt_list_head cmpnt_hp_list;      /* of cmpnt_upgrade_node */
 extern CMPNT_API cmpnt_list_head cmpnt_smu_list;     /* of cmpnt_smu_node; filled by the host */
-extern CMPNT_API cmpnt_list_head hash_verify_list;
-extern CMPNT_API cmpnt_list_head auto_sync_list; /* of cmpnt_upgrade_node */
-extern CMPNT_API cmpnt_list_head app_sync_list;  /* of cmpnt_upgrade_node; filled by the host */
+extern CMPNT_API cmpnt_list_head hash_verify_list;   /* of hash_verify_list_t */
+extern CMPNT_API cmpnt_list_head auto_sync_list;     /* of cmpnt_upgrade_node */
+extern CMPNT_API cmpnt_list_head app_sync_list;      /* of cmpnt_upgrade_node; filled by the host */
 
 /* The lists that a list selector names. */
 enum { CMPNT_UPGRADE_LIST = 0, CMPNT_HP_LIST = 1 };
@@ -1024,6 +1024,76 @@ CMPNT_API int32_t cmpnt_update_deactive_time(const char *patch_name); /* the tim
  * and its transfer leftover "_temp_NAME__"; in one with ".single", ".multiple" or ".new" that whole
  * directory; elsewhere nothing. A path of 260 bytes or more gives -1. */
 CMPNT_API int32_t cmpnt_delete_pkg_by_path(const char *path);
+
+/* ==== Safe verification ==================================================================== */
+
+/* docs/security.md tells what is checked and what is not. Whether verification is on at all is the
+ * platform's answer to four values, of which the first is the function's own first argument: they are
+ * handed to cmpnt_safe_verify_enable as they are. */
+
+/* 0 when the package may be installed: verification is off, or
+ *   .deb  its directory's "patch-sm3.hash" is signed by "patch-sm2.sign", every file "smu..." of the
+ *         directory has the digest listed there, and so has the package itself;
+ *   .ipk  the global hash list is signed, and every file that the package brings into a trusted
+ *         directory and that is on the list has the digest listed there;
+ *   any other suffix: nothing is checked.
+ * -1 otherwise. The suffix counts from the last "." of the whole path. The path reaches a shell
+ * unquoted. A patch directory's signature is checked once in a row, that of the global list once
+ * until cmpnt_sign_verify_init; after a failed .ipk the unpacked files stay in
+ * "/var/cache/opkg/cmpnt_safe_verify/safe_data_tmp", and fail the next one too: remove them. */
+CMPNT_API int32_t cmpnt_safe_verify(const char *path, uintptr_t second, uintptr_t third,
+                                    uintptr_t fourth);
+
+/* Call the first before a run of verifications, the second after it: the lists that were verified are
+ * forgotten (the digests stay), and the digests are freed. */
+CMPNT_API void cmpnt_sign_verify_init(void);
+CMPNT_API void cmpnt_free_sign_verify(void);
+
+/* 1 when the path begins with one of the trusted system directories; "/binx" begins with "/bin". */
+CMPNT_API int32_t cmpnt_is_safe_verify_dir(const char *path);
+
+/* One digest of the list: of a patch file by its bare name, of an installed file by its path. */
+typedef struct hash_verify_list_t {
+    char *name;       /* owned, as is the next */
+    char *hash_value; /* SM3, hexadecimal */
+    cmpnt_list_head link;
+} hash_verify_list_t;
+
+#define CMPNT_HASH_NODE(link_pointer)                                                              \
+    ((hash_verify_list_t *)(void *)((char *)(link_pointer)-offsetof(hash_verify_list_t, link)))
+
+/* Appends a digest and takes both texts, blocks of malloc. When the name is listed already nothing
+ * is taken, and the result is 0 all the same: look first. -1 for null or without memory. */
+CMPNT_API int32_t cmpnt_add_hash_verify_list(char *name, char *hash_value);
+CMPNT_API void cmpnt_recycle_hash_verify_list(void); /* frees all digests with their texts */
+
+/* 0 when the digest of the file directory/name is the one listed for name; -1 also when none is. */
+CMPNT_API int32_t cmpnt_check_patch_hash_value(const char *name, const char *directory);
+
+/* 0 when every file under a directory of the unpacked package passes: it is on no list, on the global
+ * whitelist, has the listed digest, or is on the dynamic whitelist. Of links those under /etc/rc.d
+ * are checked, devices and sockets never. */
+CMPNT_API int32_t cmpnt_global_hash_file_verify(const char *directory);
+
+/* 1 when a line of the global whitelist begins with path, and its signature file exists; else 0. */
+CMPNT_API int32_t file_exist_in_global_whitelist(const char *path);
+
+/* 1 when the dynamic whitelist has the path; mode 0: from any client, mode 1: from this library. */
+CMPNT_API int32_t file_exist_in_dynamic_whitelist(const char *path, int32_t mode);
+
+/* Tells the verification service which files in trusted directories the saved patches changed,
+ * through the data store (channel 0) or by a call (channel 1), and deletes the saved patch list,
+ * whatever comes of it. 0, also when verification is off or nothing is saved; -1 on failure: what was
+ * sent before stays in effect. */
+CMPNT_API int32_t cmpnt_write_trusted_start_whitelist(uintptr_t store, uintptr_t channel,
+                                                      uintptr_t third, uintptr_t fourth);
+
+/* Creates the file that switches verification on, or empties it; not its directory. */
+CMPNT_API int32_t cmpnt_enable_safe_verify(void);
+
+/* Adds the package to the saved patch list, once; does nothing while verification is off. */
+CMPNT_API int32_t cmpnt_save_safe_verify_patch(const char *pkg_name, uintptr_t second,
+                                               uintptr_t third, uintptr_t fourth);
 
 /* ==== Hot-patch lookup ===================================================================== */
 

@@ -22,6 +22,7 @@ void empty_lists() {
          {&cmpnt_upgrade_list, &cmpnt_hp_list, &auto_sync_list, &app_sync_list}) {
         empty_list(head);
     }
+    cmpnt_free_sign_verify();
 }
 
 }  // namespace
@@ -37,6 +38,7 @@ void DeviceTest::SetUp() {
     g_cmpnt_dbg_level = 0xF;
     memset(&g_dev_info, 0, sizeof(g_dev_info));
     empty_lists();
+    cmpnt_sign_verify_init();
     fault::reset();
 }
 

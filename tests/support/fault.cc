@@ -40,6 +40,7 @@ WrappedFunction functions[] = {
     WRAPPED(popen),        WRAPPED(pclose),       WRAPPED(nanosleep),     WRAPPED(ferror),
     WRAPPED(sqlite3_open), WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close), WRAPPED(mkdir),
     WRAPPED(vsnprintf),    WRAPPED(fseeko64),     WRAPPED(fflush),        WRAPPED(read),
+    WRAPPED(fputs),        WRAPPED(readdir64),
 };
 const char *sequence[256];
 int sequence_length = 0;
@@ -168,11 +169,13 @@ WRAP(ssize_t, write, (int fd, const void *data, size_t size), (fd, data, limited
 WRAP(FILE *, fopen64, (const char *path, const char *mode), (path, mode), nullptr)
 WRAP(size_t, fwrite, (const void *data, size_t size, size_t count, FILE *stream),
      (data, size, count, stream), 0)
+WRAP(int, fputs, (const char *text, FILE *stream), (text, stream), EOF)
 WRAP(int, fflush, (FILE * stream), (stream), EOF)
 WRAP(int, fseeko64, (FILE * stream, off64_t offset, int whence), (stream, offset, whence), -1)
 WRAP(int, fileno, (FILE * stream), (stream), -1)
 WRAP(int, ferror, (FILE * stream), (stream), 1)
 WRAP(DIR *, opendir, (const char *path), (path), nullptr)
+WRAP(struct dirent64 *, readdir64, (DIR * directory), (directory), nullptr)
 WRAP(int, lstat64, (const char *path, struct stat64 *status), (path, status), -1)
 WRAP(int, vsnprintf, (char *text, size_t size, const char *format, va_list arguments),
      (text, size, format, arguments), -1)

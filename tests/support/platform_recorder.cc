@@ -4,6 +4,22 @@
 #include <stdarg.h>
 #include <stdio.h>
 
+#include "p_utils.pb-c.h"
+
+// A test that links objects of the reference platform gets the functions of those.
+#pragma weak printk_syslog_lc
+#pragma weak printk_syslog_ext
+#pragma weak vx_time_get
+#pragma weak vx_mom_subscribe
+#pragma weak vx_mom_hgetall
+#pragma weak vx_mom_set
+#pragma weak vx_thread_add_timer
+#pragma weak cli_printf
+#pragma weak safe_verify_file_signature_with_id
+#pragma weak do_verify_signature
+#pragma weak safe_verify_whitelist_update
+#pragma weak safe_verify_switch_status
+
 PlatformRecorder platform;
 
 namespace {
@@ -34,6 +50,29 @@ void record_mom(const char *operation, uint32_t store, int32_t number,
                 void *context) {
     platform.mom.push_back({operation, store, number, message->descriptor->name, callback, message,
                             protobuf_c_message_get_packed_size(message), reserved, context});
+}
+
+void record_whitelist_change(const WhitelistChange &change) {
+    platform.whitelist_changes.push_back(change);
+    if (platform.on_whitelist_change) {
+        platform.on_whitelist_change(change);
+    }
+    errno = ENOTTY;  // a service is free to change it
+}
+
+// Read from the packed message, as the verification service does.
+void record_published_change(const ProtobufCMessage *message) {
+    std::vector<uint8_t> packed(protobuf_c_message_get_packed_size(message));
+    protobuf_c_message_pack(message, packed.data());
+    PUtils__SvWhitelistInfo *info =
+        p_utils__sv_whitelist_info__unpack(nullptr, packed.size(), packed.data());
+    if (info == nullptr) {
+        return;
+    }
+    const WhitelistChange change = {true, info->file_path, info->client_name,
+                                    static_cast<int32_t>(info->type)};
+    p_utils__sv_whitelist_info__free_unpacked(info, nullptr);
+    record_whitelist_change(change);
 }
 
 }  // namespace
@@ -85,7 +124,10 @@ int32_t vx_mom_hgetall(uint32_t store, int32_t count, const ProtobufCMessage *ke
 int32_t vx_mom_set(uint32_t store, int32_t operation, const ProtobufCMessage *message,
                    void *reserved, void *context) {
     record_mom("set", store, operation, message, nullptr, reserved, context);
-    return 0;
+    if (message->descriptor == &p_utils__sv_whitelist_info__descriptor) {
+        record_published_change(message);
+    }
+    return platform.set_result;
 }
 
 void *vx_thread_add_timer(void *master, uintptr_t first, uintptr_t third, uintptr_t second) {
@@ -101,11 +143,28 @@ int32_t cli_printf(const char *format, ...) {
     return 0;
 }
 
-int32_t safe_verify_file_signature_with_id(const char *, const char *, const char *) { return 0; }
+int32_t safe_verify_file_signature_with_id(const char *data_file, const char *signature_file,
+                                           const char *public_key_file) {
+    const SignatureQuestion question = {data_file, signature_file, public_key_file};
+    platform.signature_questions.push_back(question);
+    errno = ENOTTY;  // a verifier is free to change it
+    return platform.signature_answer ? platform.signature_answer(question)
+                                     : platform.signature_result;
+}
 
-int32_t do_verify_signature(const char *, const char *, const char *, uint32_t) { return -1; }
+int32_t do_verify_signature(const char *directory, const char *file_name, const char *digest,
+                            uint32_t length) {
+    const DigestQuestion question = {directory, file_name, digest, length};
+    platform.digest_questions.push_back(question);
+    errno = ENOTTY;
+    return platform.digest_answer ? platform.digest_answer(question) : platform.digest_result;
+}
 
-int32_t safe_verify_whitelist_update(const char *, const char *, int32_t) { return -1; }
+int32_t safe_verify_whitelist_update(const char *file_path, const char *client_name,
+                                     int32_t change_status) {
+    record_whitelist_change({false, file_path, client_name, change_status});
+    return platform.whitelist_result;
+}
 
 int32_t safe_verify_switch_status(uintptr_t first, uintptr_t second, uintptr_t third,
                                   uintptr_t fourth) {

@@ -1,0 +1,66 @@
+// Texts in strcmp's order: all that begin with a text stand together, behind what sorts before it.
+#include "verify/sorted_texts.hh"
+
+#include <stdlib.h>
+#include <string.h>
+
+namespace {
+
+constexpr size_t first_capacity = 64;
+
+int compare(const void *a, const void *b) {
+    return strcmp(*static_cast<const char *const *>(a), *static_cast<const char *const *>(b));
+}
+
+}  // namespace
+
+bool SortedTexts::add(const char *text) {
+    if (count_ == capacity_) {
+        const size_t capacity = capacity_ == 0 ? first_capacity : 2 * capacity_;
+        void *grown = realloc(texts_, capacity * sizeof(*texts_));
+        if (grown == nullptr) {
+            return false;
+        }
+        texts_ = static_cast<const char **>(grown);
+        capacity_ = capacity;
+    }
+    texts_[count_++] = text;
+    return true;
+}
+
+void SortedTexts::sort() {
+    if (count_ > 1) {
+        qsort(texts_, count_, sizeof(*texts_), compare);
+    }
+}
+
+void SortedTexts::clear() {
+    free(texts_);
+    texts_ = nullptr;
+    count_ = 0;
+    capacity_ = 0;
+}
+
+const char *SortedTexts::first_not_before(const char *text) const {
+    size_t low = 0;
+    size_t high = count_;
+    while (low < high) {
+        const size_t middle = low + (high - low) / 2;
+        if (strcmp(texts_[middle], text) < 0) {
+            low = middle + 1;
+        } else {
+            high = middle;
+        }
+    }
+    return low < count_ ? texts_[low] : nullptr;
+}
+
+bool SortedTexts::contains(const char *text) const {
+    const char *found = first_not_before(text);
+    return found != nullptr && strcmp(found, text) == 0;
+}
+
+bool SortedTexts::any_begins_with(const char *beginning) const {
+    const char *found = first_not_before(beginning);
+    return found != nullptr && strncmp(found, beginning, strlen(beginning)) == 0;
+}
