@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "platform/reference/reference_platform.h"
+#include "platform/reference/whitelist_service.hh"
 
 namespace {
 
@@ -18,7 +19,9 @@ struct Subscriber {
 struct DataStore {
     std::mutex mutex;
     std::map<std::string, std::vector<uint8_t>> messages;  // packed, by descriptor name
-    std::vector<Subscriber> subscribers;
+    // The platform's own services listen from the start.
+    std::vector<Subscriber> subscribers = {
+        {reference::whitelist_record_kind, reference::apply_whitelist_record, nullptr}};
 };
 
 DataStore &store() {
