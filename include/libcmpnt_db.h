@@ -1084,7 +1084,7 @@ CMPNT_API int32_t file_exist_in_dynamic_whitelist(const char *path, int32_t mode
 /* Tells the verification service which files in trusted directories the saved patches changed,
  * through the data store (channel 0) or by a call (channel 1), and deletes the saved patch list,
  * whatever comes of it. 0, also when verification is off or nothing is saved; -1 on failure: what was
- * sent before stays in effect. */
+ * sent before stays in effect, and only a list that cannot be opened is left. */
 CMPNT_API int32_t cmpnt_write_trusted_start_whitelist(uintptr_t store, uintptr_t channel,
                                                       uintptr_t third, uintptr_t fourth);
 

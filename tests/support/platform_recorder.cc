@@ -3,6 +3,7 @@
 #include <errno.h>
 #include <stdarg.h>
 #include <stdio.h>
+#include <string.h>
 
 #include "p_utils.pb-c.h"
 
@@ -69,8 +70,10 @@ void record_published_change(const ProtobufCMessage *message) {
     if (info == nullptr) {
         return;
     }
-    const WhitelistChange change = {true, info->file_path, info->client_name,
-                                    static_cast<int32_t>(info->type)};
+    int32_t type = 0;  // any number, not only those of the enumeration
+    static_assert(sizeof(type) == sizeof(info->type));
+    memcpy(&type, &info->type, sizeof(type));
+    const WhitelistChange change = {true, info->file_path, info->client_name, type};
     p_utils__sv_whitelist_info__free_unpacked(info, nullptr);
     record_whitelist_change(change);
 }
