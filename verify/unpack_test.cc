@@ -1,0 +1,171 @@
+#include "verify/unpack.hh"
+
+#include <errno.h>
+#include <unistd.h>
+
+#include "tests/support/base_packages.hh"
+#include "tests/support/device_test.hh"
+#include "tests/support/verification.hh"
+
+constexpr char package[] = "/opt/base.ipk";
+const std::string scratch_path = scratch;
+
+class Unpack : public DeviceTest {
+protected:
+    static testing::AssertionResult says(const std::string &message) {
+        return logged("CMPNT_ERROR", "cmpnt_unzip_safe_verify_file", message);
+    }
+};
+
+TEST_F(Unpack, LaysTheInstalledFilesAndTheOuterOnesIntoTheScratchDirectory) {
+    ASSERT_TRUE(PackageTree()
+                    .file("/usr/bin/x", "text of x")
+                    .link("/usr/bin/link", "x")
+                    .outer_file("debian-binary", "2.0\n")
+                    .outer_file("control.tar.gz", "control")
+                    .pack(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_EQ(names_in(scratch),
+              (std::vector<std::string>{"control.tar.gz", "data.tar.gz", "debian-binary", "usr"}));
+    EXPECT_EQ(read_file(scratch_path + "/usr/bin/x"), "text of x");
+    EXPECT_TRUE(exists(scratch_path + "/usr/bin/link"));
+    EXPECT_FALSE(exists(trace_path()));
+}
+
+TEST_F(Unpack, OverwritesWhatIsThere) {
+    write_file(scratch_path + "/usr/bin/x", "stale");
+    write_file(scratch_path + "/usr/bin/y", "stale");
+    write_file(scratch_path + "/data.tar.gz", "stale");
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x", "new").pack(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_EQ(read_file(scratch_path + "/usr/bin/x"), "new");
+    EXPECT_EQ(read_file(scratch_path + "/usr/bin/y"), "stale");
+}
+
+TEST_F(Unpack, NeedsTheScratchDirectory) {
+    ASSERT_TRUE(PackageTree().pack(package));
+    write_file("/var/cache/opkg/cmpnt_safe_verify", "in the way");
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("mkdir fail, dir_path(" + scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, NeedsThePackage) {
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("file(/opt/base.ipk) is not exist.\n"));
+    EXPECT_TRUE(exists(scratch));  // which comes first
+    EXPECT_EQ(fault::calls("popen"), 0);
+}
+
+TEST_F(Unpack, NeedsAnArchive) {
+    for (const char *text : {"", "no archive", "xxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxxx"}) {
+        forget_log();
+        write_file(package, text);
+        EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+        if (text[0] != '\0') {
+            EXPECT_TRUE(
+                says("cmpnt_popen_cmd_run fail, buf(/opt/base.ipk -C " + scratch_path + ").\n"));
+        }
+    }
+}
+
+TEST_F(Unpack, NeedsAWholeArchive) {
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x", std::string(5000, 'x')).pack(package));
+    const std::string text = read_file(package);
+    write_file(package, text.substr(0, text.size() - 20));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_popen_cmd_run fail, buf(/opt/base.ipk -C " + scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, NeedsTheInnerArchive) {
+    ASSERT_TRUE(
+        PackageTree().outer_file("control.tar.gz", "control").pack_without_inner_archive(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("file(" + scratch_path + "/data.tar.gz) is not exist.\n"));
+    EXPECT_TRUE(exists(scratch_path + "/control.tar.gz"));
+    EXPECT_EQ(fault::calls("popen"), 1);
+}
+
+TEST_F(Unpack, NeedsAnInnerArchiveThatIsOne) {
+    ASSERT_TRUE(
+        PackageTree().outer_file("data.tar.gz", "no archive").pack_without_inner_archive(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_system_cmd_run fail, buf(" + scratch_path + "/data.tar.gz -C " +
+                     scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, UsesAnInnerArchiveLeftFromBefore) {
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x").pack(package));
+    ASSERT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    remove_tree(scratch_path + "/usr");
+    ASSERT_TRUE(PackageTree().pack_without_inner_archive(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_TRUE(exists(scratch_path + "/usr/bin/x"));
+}
+
+TEST_F(Unpack, HandsThePathToTheShellWithItsParenthesesEscapedAndNothingElse) {
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x").pack("/opt/base(1).ipk"));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file("/opt/base(1).ipk"), 0);
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x").pack("/opt/with blank.ipk"));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file("/opt/with blank.ipk"), -1);
+    EXPECT_TRUE(
+        says("cmpnt_popen_cmd_run fail, buf(/opt/with blank.ipk -C " + scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, HandsPathsOfMoreThanAnArrayFullOfCharactersOnWhole) {
+    const std::string path = "/opt/" + std::string(250, 'd') + "/" + std::string(250, 'e') + ".ipk";
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x").pack(path));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(path.c_str()), 0);
+    EXPECT_TRUE(exists(scratch_path + "/usr/bin/x"));
+}
+
+TEST_F(Unpack, RefusesAPathThatDoesNotFitTheCommand) {
+    const size_t longest = CMPNT_LINE_SIZE - 1 - std::string(" -C ").size() - scratch_path.size();
+    std::string path = "/opt/";
+    while (path.size() < longest - 200) {
+        path += std::string(100, 'd') + "/";
+    }
+    const std::string fits = path + std::string(longest - path.size() - 4, 'e') + ".ipk";
+    const std::string too_long = path + std::string(longest - path.size() - 3, 'e') + ".ipk";
+    ASSERT_TRUE(PackageTree().pack(fits));
+    ASSERT_TRUE(PackageTree().pack(too_long));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(fits.c_str()), 0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(too_long.c_str()), -1);
+    EXPECT_FALSE(exists(trace_path()));
+    EXPECT_EQ(fault::calls("popen"), 2);
+}
+
+TEST_F(Unpack, FailsWhenTheShellCannotBeRun) {
+    ASSERT_TRUE(PackageTree().pack(package));
+    fault::fail("popen", 1, ENOMEM);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_popen_cmd_run fail, buf(/opt/base.ipk -C " + scratch_path + ").\n"));
+    fault::fail("popen", 2, ENOMEM);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_system_cmd_run fail, buf(" + scratch_path + "/data.tar.gz -C " +
+                     scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, LaysMembersWithAbsolutePathsIntoTheScratchDirectoryToo) {
+    write_file("/opt/victim/file", "good");
+    ASSERT_TRUE(PackageTree().pack_without_inner_archive(package));
+    ASSERT_EQ(
+        system("cd /opt && tar -czPf data.tar.gz /opt/victim/file && tar -cf base.ipk data.tar.gz"),
+        0);
+    write_file("/opt/victim/file", "untouched");
+    cmpnt_unzip_safe_verify_file(package);
+    EXPECT_EQ(read_file("/opt/victim/file"), "untouched");
+    EXPECT_EQ(read_file(scratch_path + "/opt/victim/file"), "good");
+}
+
+TEST_F(Unpack, RefusesMembersThatLeadUpwards) {
+    write_file("/opt/victim", "good");
+    make_directories("/opt/a/b");
+    ASSERT_EQ(system("cd /opt/a/b && tar -czPf data.tar.gz ../../victim && "
+                     "tar -cf /opt/base.ipk data.tar.gz"),
+              0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_system_cmd_run fail, buf(" + scratch_path + "/data.tar.gz -C " +
+                     scratch_path + ").\n"));
+    EXPECT_FALSE(exists("/var/cache/opkg/victim"));
+    EXPECT_FALSE(exists("/var/cache/opkg/cmpnt_safe_verify/victim"));
+}
