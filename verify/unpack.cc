@@ -5,6 +5,7 @@
 
 #include "common/log.hh"
 #include "verify/verify_paths.hh"
+#include "verify/ways_out.hh"
 
 namespace {
 
@@ -34,7 +35,8 @@ int32_t cmpnt_unzip_safe_verify_file(const char *path) {
         return -1;
     }
     char arguments[CMPNT_LINE_SIZE];
-    if (!is_there(path) || !format_arguments(path, arguments)) {
+    if (!is_there(path) || !format_arguments(path, arguments) ||
+        !remove_ways_out(scratch_directory)) {
         return -1;
     }
     if (cmpnt_system_cmd_run(unpack_command, arguments) != 0) {
@@ -43,7 +45,8 @@ int32_t cmpnt_unzip_safe_verify_file(const char *path) {
     }
     char inner_archive[CMPNT_PATH_SIZE];
     snprintf(inner_archive, sizeof(inner_archive), "%s/%s", scratch_directory, inner_archive_name);
-    if (!is_there(inner_archive) || !format_arguments(inner_archive, arguments)) {
+    if (!is_there(inner_archive) || !format_arguments(inner_archive, arguments) ||
+        !remove_ways_out(scratch_directory)) {
         return -1;
     }
     if (cmpnt_system_cmd_run(unpack_command, arguments) != 0) {

@@ -169,3 +169,38 @@ TEST_F(Unpack, RefusesMembersThatLeadUpwards) {
     EXPECT_FALSE(exists("/var/cache/opkg/victim"));
     EXPECT_FALSE(exists("/var/cache/opkg/cmpnt_safe_verify/victim"));
 }
+
+// Of one archive the links wait until all else is unpacked; those of the archive before it do not.
+TEST_F(Unpack, WritesNothingThroughALinkOfTheOuterArchive) {
+    make_directories("/opt/victim/bin");
+    ASSERT_EQ(system("mkdir -p /opt/in/usr/bin /opt/out && echo evil > /opt/in/usr/bin/evil && "
+                     "tar -czf /opt/out/data.tar.gz -C /opt/in usr/bin/evil && "
+                     "ln -s /opt/victim /opt/out/usr && tar -czf /opt/base.ipk -C /opt/out ."),
+              0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_FALSE(exists("/opt/victim/bin/evil"));
+    EXPECT_EQ(read_file(scratch_path + "/usr/bin/evil"), "evil\n");
+}
+
+TEST_F(Unpack, WritesNothingThroughALinkThatAnEarlierPackageLeft) {
+    make_directories("/opt/victim/bin");
+    make_directories(scratch_path);
+    ASSERT_EQ(symlink("/opt/victim", (scratch_path + "/usr").c_str()), 0);
+    ASSERT_EQ(system("mkdir -p /opt/out/usr/bin && echo evil > /opt/out/usr/bin/evil && "
+                     "tar -czf /opt/out/data.tar.gz -C /opt/out usr/bin/evil && "
+                     "tar -czf /opt/base.ipk -C /opt/out usr/bin/evil data.tar.gz"),
+              0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_FALSE(exists("/opt/victim/bin/evil"));
+    EXPECT_TRUE(exists(scratch_path + "/usr/bin/evil"));
+}
+
+TEST_F(Unpack, FailsQuietlyWhereItCannotLookForSuchLinks) {
+    ASSERT_TRUE(PackageTree().file("/usr/bin/x").pack(package));
+    for (int call : {1, 4}) {
+        fault::fail("readdir64", call, EIO);
+        EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1) << call;
+        fault::reset();
+    }
+    EXPECT_FALSE(exists(trace_path()));
+}
