@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <memory>
 #include <vector>
 
 #include "p_utils.pb-c.h"
@@ -259,6 +260,7 @@ TEST_F(WhitelistServiceTest, WaitsForAnotherProcessAndLosesNothingOfIt) {
 TEST_F(WhitelistServiceTest, KeepsTheEntriesOfManyProcesses) {
     constexpr int children = 4, entries = 25;
     std::vector<std::unique_ptr<Child>> processes;
+    processes.reserve(children);
     for (int number = 0; number < children; number++) {
         processes.push_back(std::make_unique<Child>([number](Child &) {
             int failed = 0;
