@@ -50,6 +50,12 @@ TEST_F(WhitelistServiceTest, AddsALineForEachEntry) {
     EXPECT_EQ(0, add("/usr/bin/b"));
     EXPECT_EQ(0, add("/usr/bin/a", "other"));
     EXPECT_EQ("/usr/bin/a,cmpnt_upgrade_c\n/usr/bin/b,cmpnt_upgrade_c\n/usr/bin/a,other\n", list());
+}
+
+TEST_F(WhitelistServiceTest, LetsEveryoneReadTheList) {
+    const mode_t mask = umask(077);
+    EXPECT_EQ(0, add("/usr/bin/a"));
+    umask(mask);
     EXPECT_EQ(0644, mode_of(list_file));
 }
 
