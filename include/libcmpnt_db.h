@@ -580,7 +580,7 @@ typedef struct cmpnt_md5_context {
     uint8_t buffer[64]; /* input not yet processed */
 } cmpnt_md5_context;
 
-/* Pointers are not null, but for the input of length 0. Any thread, each with its own context. */
+/* Null changes nothing. Any thread, each with its own context. */
 CMPNT_API void MD5Init(cmpnt_md5_context *context);
 CMPNT_API void MD5Update(cmpnt_md5_context *context, const uint8_t *input, uint32_t length);
 CMPNT_API void MD5Final(uint8_t digest[16], cmpnt_md5_context *context); /* does not wipe it */
