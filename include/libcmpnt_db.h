@@ -511,7 +511,8 @@ CMPNT_API int32_t cmpnt_add_to_list_by_single(const cmpnt_upgrade_value *record)
 
 /* Removes the directory of every record in the upgrade list that is no application SMU: its
  * cur_pkg_path up to the last "/", whatever lies there ("/data/x.bin" removes /data). A path without
- * "/" is removed itself, relative to the working directory. The list stays. */
+ * "/" is removed itself, relative to the working directory; the root directory never is. The list
+ * stays. */
 CMPNT_API void cmpnt_delete_not_install_patch(void);
 
 /* The lists that a patch list kind names; any other kind is the upgrade list too. */

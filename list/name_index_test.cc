@@ -1,5 +1,7 @@
 #include "list/name_index.hh"
 
+#include <string.h>
+
 #include <random>
 
 #include "list/upgrade_list.hh"
@@ -45,14 +47,14 @@ private:
     std::mt19937 random_;
 };
 
-// What a record is known by, in words of the test's own.
-std::string key_of(NameKey key, const cmpnt_upgrade_value &record) {
-    const std::string patch = record.patch_name;
-    const std::string pkg = record.pkg_name;
-    return key == NameKey::package            ? pkg
-           : key == NameKey::patch            ? patch
-           : key == NameKey::smu_id_and_patch ? std::to_string(record.card_id) + "/" + patch
-                                              : patch + "/" + pkg;
+// Duplicates, in words of the test's own.
+bool are_alike(NameKey key, const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    const bool looks_at_patch = key != NameKey::package;
+    const bool looks_at_package = key == NameKey::package || key == NameKey::patch_and_package;
+    const bool looks_at_id = key == NameKey::smu_id_and_patch;
+    return (!looks_at_patch || strcmp(a.patch_name, b.patch_name) == 0) &&
+           (!looks_at_package || strcmp(a.pkg_name, b.pkg_name) == 0) &&
+           (!looks_at_id || a.card_id == b.card_id);
 }
 
 const char *name_of(NameKey key) {
@@ -66,7 +68,7 @@ const char *name_of(NameKey key) {
 const cmpnt_upgrade_node *walk(const cmpnt_list_head &head, NameKey key,
                                const cmpnt_upgrade_value &record) {
     for (cmpnt_list_head *link = head.next; link != &head; link = link->next) {
-        if (key_of(key, CMPNT_UPGRADE_NODE(link)->value) == key_of(key, record)) {
+        if (are_alike(key, CMPNT_UPGRADE_NODE(link)->value, record)) {
             return CMPNT_UPGRADE_NODE(link);
         }
     }
@@ -89,7 +91,8 @@ protected:
             index.add(append(records.next()));
             const cmpnt_upgrade_value wanted = records.next();
             ASSERT_EQ(index.find(wanted), walk(cmpnt_upgrade_list, GetParam(), wanted))
-                << key_of(GetParam(), wanted) << " after " << i << " nodes";
+                << wanted.patch_name << " " << wanted.pkg_name << " " << wanted.card_id << " after "
+                << i << " nodes";
         }
     }
 };
