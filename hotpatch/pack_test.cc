@@ -9,7 +9,7 @@ const std::string failed = "(failed)";
 
 std::string pack(const cmpnt_upgrade_value &record, const HotpatchCriteria &criteria) {
     char *filled = cmpnt_pack_hotpatch_match(record, criteria);
-    const std::string text = filled == nullptr ? failed : filled;
+    std::string text = filled == nullptr ? failed : filled;
     free(filled);
     return text;
 }
