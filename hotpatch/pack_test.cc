@@ -153,6 +153,22 @@ TEST_F(HotpatchPackTest, HasRoomToGrowBy3584Bytes) {
         logged("CMPNT_ERROR", packer, "cmpnt_replace fail, str_rep(" + item + path + ").\n"));
 }
 
+TEST_F(HotpatchPackTest, KeepsAByteOfThatRoomForTheEnd) {
+    const std::string path(sizeof(record_.hotpatch_target_path) - 4, 'p');  // 255 more each time
+    set_text(record_.hotpatch_target_path, path);
+    const std::string text = repeated(14, "Hotpatch_target_path:*#") + "Pkg_path:*";
+    const std::string filled = repeated(14, "Hotpatch_target_path:" + path + "#") + "Pkg_path:";
+    set_text(record_.cur_pkg_path, "13 bytes more.");
+    EXPECT_EQ(pack(record_, text), filled + "13 bytes more.");
+    EXPECT_FALSE(exists(trace_path()));
+    set_text(record_.cur_pkg_path, "14 bytes, a cut");
+    EXPECT_EQ(pack(record_, text), filled + "14 bytes, a cu");
+    set_text(record_.cur_pkg_path, "15 bytes: no way");
+    EXPECT_EQ(pack(record_, text), failed);
+    EXPECT_TRUE(
+        logged("CMPNT_ERROR", packer, "cmpnt_replace fail, str_rep(Pkg_path:15 bytes: no way).\n"));
+}
+
 TEST_F(HotpatchPackTest, FailsWithoutMemory) {
     HotpatchCriteria criteria("Package:*#State:*");
     ASSERT_EQ(cmpnt_parse_hotpatch_match(&criteria), 0);
