@@ -174,6 +174,27 @@ TEST_F(HotpatchTargetCheckTest, ChecksTheDatabaseAndNotWhatTheListHeld) {
     expect_empty_list();
 }
 
+TEST_F(HotpatchTargetCheckTest, MayBeAskedForWithATextOfTheList) {
+    add_row("SMU-1", "/d/other", target, shipped_md5, stripped_md5);
+    add_row("SMU-2", package_path, "/opt/missing", shipped_md5, stripped_md5);
+    write_file(target, shipped);
+    const cmpnt_upgrade_value record = hotpatch_record();
+    ASSERT_EQ(package_path, record.cur_pkg_path);
+    insert_cmpnt_upgrade_db_to_list(&record, CMPNT_HP_LIST);
+    const char *path = CMPNT_UPGRADE_NODE(cmpnt_hp_list.next)->value.cur_pkg_path;
+    EXPECT_EQ(libcmpnt_db_check_hp_tgt_md5(path), -1);
+    expect_refusal("/opt/missing");
+}
+
+TEST_F(HotpatchTargetCheckTest, TakesNoPathForAnotherThatItBeginsWith) {
+    const std::string longest = "/" + std::string(258, 'p');
+    add_row("SMU-1", longest, "/opt/missing", shipped_md5, stripped_md5);
+    EXPECT_EQ(check(longest), -1);
+    for (size_t more : {1, 2, 3, 1000}) {
+        EXPECT_EQ(check(longest + std::string(more, 'p')), 0) << more;
+    }
+}
+
 TEST_F(HotpatchTargetCheckTest, PassesWithoutADatabase) {
     remove_tree(main_db);
     EXPECT_EQ(check(), 0);
