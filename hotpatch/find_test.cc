@@ -86,6 +86,15 @@ TEST_F(HotpatchFindTest, TellsEachRecordThatMatchesInDatabaseOrder) {
     expect_empty_list();
 }
 
+TEST_F(HotpatchFindTest, TracesAnAnswerBeforeItIsTold) {
+    add_row("SMU-1", "a");
+    inside = [] {
+        EXPECT_EQ(traced("trace", record_step, "cmpnt_db_find (Is_hotpatch:1#Package:a)\n"), 1);
+    };
+    EXPECT_EQ(find(hot_patches), 0);
+    EXPECT_EQ(told, packages({"a"}));
+}
+
 TEST_F(HotpatchFindTest, LooksAtRecordsOfEveryKind) {
     add_rows();
     EXPECT_EQ(find("Is_hotpatch:*#State:active"), 0);
@@ -335,6 +344,15 @@ TEST_F(HotpatchFindTest, AsksOneRecordAlone) {
     EXPECT_EQ(examine(record, "Package:routed#State:*"), 5);
     EXPECT_TRUE(logged("CMPNT_ERROR", record_step, "cmpnt_db_find fail ret (5)\n"));
     EXPECT_TRUE(same_record(record, hotpatch_record()));
+}
+
+TEST_F(HotpatchFindTest, LetsTheCallbackFreeTheOneRecord) {
+    const cmpnt_upgrade_value record = hotpatch_record();
+    insert_cmpnt_upgrade_db_to_list(&record, CMPNT_HP_LIST);
+    inside = [] { cmpnt_recycle_upgrade_list(CMPNT_HP_LIST); };
+    const cmpnt_upgrade_value &listed = CMPNT_UPGRADE_NODE(cmpnt_hp_list.next)->value;
+    EXPECT_EQ(examine(listed, "Package:*#State:active"), 0);
+    EXPECT_EQ(told, (Texts{"Package:routed#State:active"}));
 }
 
 TEST_F(HotpatchFindTest, AsksNothingOfNull) {
