@@ -62,6 +62,16 @@ TEST_F(HotpatchTarget, OfAnotherFileIsNone) {
     EXPECT_TRUE(trace_messages().empty());
 }
 
+TEST_F(HotpatchTarget, IsSetApartByNothingButSemicolons) {
+    const std::string target = "a,b:c|d#e/f g\\h";
+    for (const char *name : {"a", "b", "f", "f g", "h"}) {
+        add(target + ";x.so");
+        EXPECT_EQ(check(name), 0) << name;
+    }
+    add(target + ";x.so");
+    EXPECT_EQ(check(target.c_str()), -1);
+}
+
 TEST_F(HotpatchTarget, IsNoneInAnEmptyList) {
     EXPECT_EQ(check("a.so"), 0);
     EXPECT_EQ(check(""), 0);

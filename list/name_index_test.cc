@@ -213,6 +213,22 @@ TEST_P(IndexedLoad, AddsAndSaysWhatTheExportedFunctionDoes) {
     EXPECT_EQ(trace_messages(), said);
 }
 
+// The list is long already, so that the index no longer walks it.
+TEST_P(IndexedLoad, TellsAnIndexThatIsBuiltOfEachNode) {
+    RecordSource records(5);
+    for (int i = 0; i < 20; i++) {
+        append(records.next());
+    }
+    NameIndex index(&cmpnt_upgrade_list, GetParam().key);
+    cmpnt_upgrade_value row = upgrade_record("smu", "pkg");
+    row.card_id = 7;
+    row.patch_type = 1;
+    for (int times = 0; times < 2; times++) {
+        EXPECT_EQ(GetParam().indexed(row, &index), 0);
+        EXPECT_EQ(records_of(cmpnt_upgrade_list).size(), 21u);
+    }
+}
+
 TEST_P(IndexedLoad, DoesNotTellTheIndexOfANodeThatWasNotMade) {
     NameIndex index(&cmpnt_upgrade_list, GetParam().key);
     cmpnt_upgrade_value row = upgrade_record("smu", "pkg");

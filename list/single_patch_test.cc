@@ -124,6 +124,13 @@ TEST_F(SinglePatch, TargetStateIsThatOfASinglePatch) {
     EXPECT_TRUE(trace_messages().empty());
 }
 
+TEST_F(SinglePatch, TargetStateIsThatOfThePatchNotOfItsPackage) {
+    add("a", "1", "active");
+    set_text(CMPNT_UPGRADE_NODE(cmpnt_upgrade_list.next)->value.pkg_state_name, "running");
+    EXPECT_EQ(cmpnt_is_target_state_single_patch("active"), 1);
+    EXPECT_EQ(cmpnt_is_target_state_single_patch("running"), 0);
+}
+
 TEST_F(SinglePatch, TargetStateOfAnEmptyListIsNone) {
     add_smu("a", "1");
     EXPECT_EQ(cmpnt_is_target_state_single_patch(""), 0);

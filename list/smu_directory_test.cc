@@ -72,6 +72,15 @@ TEST_F(SmuDirectory, CannotBeWorkedOutWithoutAType) {
     }
 }
 
+// The name is what is asked for its type, not the path, which may be cut or have a dot of its own.
+TEST_F(SmuDirectory, HasTheTypeOfTheName) {
+    EXPECT_EQ(smu_dir_path_is_null("SMU-1"), 1);
+    EXPECT_EQ(trace_messages()[0], "error get_file_type: The file_name(SMU-1) type is invalid.\n");
+    forget_log();
+    EXPECT_EQ(smu_dir_path_is_null((std::string(300, 'n') + ".bin").c_str()), 1);
+    EXPECT_TRUE(trace_messages().empty());
+}
+
 TEST_F(SmuDirectory, RefusesNull) {
     EXPECT_EQ(smu_dir_path_is_null(nullptr), 1);
     EXPECT_TRUE(says("param is null\n"));

@@ -115,6 +115,19 @@ TEST_F(SyncList, AnIndexKnowsWhatIsInserted) {
     EXPECT_EQ(records_of(auto_sync_list).size(), 40u);
 }
 
+// The list is long already, so that the index no longer walks it.
+TEST_F(SyncList, AnIndexThatIsBuiltIsToldOfEachNode) {
+    for (int i = 0; i < 20; i++) {
+        const cmpnt_upgrade_value held = upgrade_record(std::to_string(i), "x");
+        ASSERT_EQ(insert_auto_sync_node_to_list(&held, CMPNT_AUTO_SYNC_LIST), 0);
+    }
+    NameIndex index(&auto_sync_list, NameKey::patch);
+    const cmpnt_upgrade_value record = upgrade_record("new", "x");
+    EXPECT_EQ(smu_name_is_in_auto_sync_list(record, index), 0);
+    EXPECT_EQ(insert_auto_sync_node_to_list(record, index), 0);
+    EXPECT_EQ(smu_name_is_in_auto_sync_list(record, index), 1);
+}
+
 TEST_F(SyncList, AnIndexIsNotToldOfANodeThatWasNotMade) {
     NameIndex index(&auto_sync_list, NameKey::patch);
     const cmpnt_upgrade_value record = upgrade_record("a", "x");
