@@ -81,6 +81,17 @@ TEST_F(SmuDirectory, HasTheTypeOfTheName) {
     EXPECT_TRUE(trace_messages().empty());
 }
 
+TEST_F(SmuDirectory, CannotBeWorkedOutWithoutADestination) {
+    write_file(download + "a.bin.single/one.deb", "x");
+    write_file(download + "b.deb.new/one.deb", "x");
+    fault::fail("cmpnt_get_dest_path", 1, 0, 2);
+    EXPECT_EQ(smu_dir_path_is_null("a.bin"), 1);
+    EXPECT_TRUE(says("cmpnt_get_dest_path fail, path(" + download + "a.bin), type(1).\n"));
+    EXPECT_EQ(smu_dir_path_is_null("b.deb"), 1);
+    EXPECT_TRUE(says("cmpnt_get_dest_path fail, path(" + download + "b.deb), type(3).\n"));
+    EXPECT_EQ(trace_lines().size(), 2u);
+}
+
 TEST_F(SmuDirectory, RefusesNull) {
     EXPECT_EQ(smu_dir_path_is_null(nullptr), 1);
     EXPECT_TRUE(says("param is null\n"));
