@@ -545,8 +545,8 @@ enum {
     CMPNT_PKG_TYPE_SIDE_FILE = 5    /* .sign, .hash */
 };
 
-/* Writes base and the suffix of the destination of a package type into dst, 260 bytes, zeroed first.
- * -1 for null or for another type, which leaves dst empty. */
+/* Writes base and the suffix of the destination of a package type into dst, 260 bytes, zeroed first; a
+ * longer path is cut. base may be dst. -1 for null, or for another type, which leaves dst empty. */
 CMPNT_API int32_t cmpnt_get_dest_path(const char *base, char *dst, uint32_t type);
 
 /* ==== Upgrade lists: synchronisation and hot-patch guard =================================== */
