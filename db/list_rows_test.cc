@@ -273,6 +273,25 @@ TEST_F(ListRows, ToAutoSyncTakesEachUnpackedSmuOnce) {
     EXPECT_EQ(records_of(auto_sync_list).size(), 2u);
 }
 
+// As a host asks: a table of its own in a file of its own, under the lock.
+TEST_F(ListRows, ToAutoSyncFromTheAutoSyncFile) {
+    unpack("a.bin");
+    unpack("main.bin");
+    add("main.bin", "pkg", "1.0");
+    ASSERT_EQ(cmpnt_create_pkg_table(CMPNT_AUTO_SYNC_TABLE, CMPNT_DB_AUTO_SYNC), 0);
+    sql(auto_sync_db,
+        "insert into auto_sync_table(patch_name, cur_pkg_path, op_flag) values('a.bin', '/p', 8), "
+        "('gone.bin', '/q', 8)");
+    forget_log();
+    EXPECT_EQ(traverse_pkg_info_table(CMPNT_AUTO_SYNC_TABLE, CMPNT_ROWS_TO_AUTO_SYNC, 0,
+                                      CMPNT_DB_AUTO_SYNC),
+              0);
+    EXPECT_EQ(records_of(auto_sync_list), (Texts{"a.bin  "}));
+    EXPECT_STREQ(first_of(auto_sync_list).cur_pkg_path, "/p");
+    EXPECT_EQ(first_of(auto_sync_list).op_flag, 8);
+    EXPECT_TRUE(trace_messages().empty());
+}
+
 // The name of the patch is what lies unpacked, wherever the record's own path leads.
 TEST_F(ListRows, ToAutoSyncAsksForThePatchsName) {
     unpack("a.bin");
