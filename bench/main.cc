@@ -25,11 +25,15 @@ std::vector<Pair> &pairs() {
 std::string library_side(const std::string &name) { return name + "/library"; }
 std::string raw_side(const std::string &name) { return name + "/raw"; }
 
-void add_side(const std::string &name, BenchWork work, long argument, BenchClock clock) {
+void add_side(const std::string &name, BenchWork work, long argument, BenchClock clock,
+              int repetitions) {
     benchmark::internal::Benchmark *side = benchmark::RegisterBenchmark(name.c_str(), work);
     side->Arg(argument)->Unit(benchmark::kMicrosecond);
     if (clock == BenchClock::manual) {
         side->UseManualTime();
+    }
+    if (repetitions > 0) {
+        side->Repetitions(repetitions);
     }
 }
 
@@ -84,10 +88,10 @@ double seconds_of(int whom) {
 double seconds_with_children() { return seconds_of(RUSAGE_SELF) + seconds_of(RUSAGE_CHILDREN); }
 
 bool add_pair(const char *name, double target, BenchWork library, BenchWork raw, long argument,
-              BenchClock clock) {
+              BenchClock clock, int repetitions) {
     pairs().push_back({name, target, clock});
-    add_side(library_side(name), library, argument, clock);
-    add_side(raw_side(name), raw, argument, clock);
+    add_side(library_side(name), library, argument, clock, repetitions);
+    add_side(raw_side(name), raw, argument, clock, repetitions);
     return true;
 }
 

@@ -31,7 +31,6 @@ bool wait_to_retry(int &retries) {
 
 }  // namespace
 
-// The error decides after the log, and the log's writers are not ours alone: so it is kept first.
 int32_t send_data(int32_t fd, const void *data, uint32_t length) {
     if (data == nullptr) {
         CMPNT_LOG(log_error, "input param is null.\n");

@@ -135,21 +135,31 @@ TEST_F(TraverseTest, FailsWhenTheCloseFails) {
     EXPECT_EQ(trace_lines().size(), 1u);
 }
 
-// The loads that are missing say so, and lose neither the lock nor the file.
-TEST_F(TraverseTest, FailsForTheModesThatAreMissing) {
+TEST_F(TraverseTest, LoadsWhatTheModeNamesFromARealFile) {
     make_table();
-    insert(main_db, "SMU-1");
+    sql(main_db,
+        "insert into pkg_upgrade_table(patch_name, pkg_name, cur_version, card_id, patch_type) "
+        "values('SMU-1.bin', 'a', '1.0', 1, 0), ('SMU-1.bin', 'b', '1.0', 1, 1), "
+        "('SMU-1.bin', 'c', '1.0', 1, 1), ('SMU-2.deb', 'a', '2.0', 2, 1)");
+    write_file("/data/cmpnt/opkg/download/SMU-1.bin.single/a.deb", "x");
+    write_file("/data/cmpnt/opkg/download/SMU-2.deb.new/stray.txt", "x");
+    struct {
+        int32_t mode;
+        Texts upgrades, syncs;
+    } const cases[] = {
+        {CMPNT_ROWS_BY_SMU, {"SMU-1.bin a 1.0", "SMU-2.deb a 2.0"}, {}},
+        {CMPNT_ROWS_SINGLE_PATCHES, {"SMU-1.bin b 1.0", "SMU-2.deb a 2.0"}, {}},
+        {CMPNT_ROWS_TO_AUTO_SYNC, {}, {"SMU-1.bin a 1.0"}},
+    };
     const int before = open_descriptors();
-    for (int32_t mode : {7, 8, 9}) {
-        forget_log();
-        EXPECT_EQ(traverse_pkg_info_table(CMPNT_PKG_UPGRADE_TABLE, mode, 0, CMPNT_DB_MAIN), -1);
-        EXPECT_TRUE(
-            logged("CMPNT_ERROR", "traverse_pkg_info_table", "select pkg info table fail.\n"));
-        EXPECT_EQ(trace_lines().size(), 1u);
+    for (const auto &test : cases) {
+        recycle_upgrade_list(CMPNT_UPGRADE_LIST);
+        EXPECT_EQ(traverse_pkg_info_table(CMPNT_PKG_UPGRADE_TABLE, test.mode, 0, CMPNT_DB_MAIN), 0);
+        EXPECT_EQ(records_of(cmpnt_upgrade_list), test.upgrades) << test.mode;
+        EXPECT_EQ(records_of(auto_sync_list), test.syncs) << test.mode;
     }
     EXPECT_EQ(open_descriptors(), before);
-    EXPECT_TRUE(records_of(cmpnt_upgrade_list).empty());
-    EXPECT_TRUE(records_of(auto_sync_list).empty());
+    EXPECT_TRUE(names_in("/data/cmpnt/opkg/download/SMU-2.deb.new").empty());
 }
 
 TEST_F(TraverseTest, OpensAndClosesForAModeThatDoesNothing) {

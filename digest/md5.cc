@@ -13,15 +13,6 @@ uint32_t held_bytes(const cmpnt_md5_context *context) {
     return (context->count[0] >> 3) % md5_block_size;
 }
 
-void count_bits_of(cmpnt_md5_context *context, uint32_t length) {
-    const uint32_t low_bits = length << 3;
-    context->count[0] += low_bits;
-    if (context->count[0] < low_bits) {
-        context->count[1]++;
-    }
-    context->count[1] += length >> 29;
-}
-
 }  // namespace
 
 void md5_start(cmpnt_md5_context *context) {
@@ -33,13 +24,22 @@ void md5_start(cmpnt_md5_context *context) {
     context->state[3] = 0x10325476;
 }
 
+void md5_count(cmpnt_md5_context *context, uint32_t length) {
+    const uint32_t low_bits = length << 3;
+    context->count[0] += low_bits;
+    if (context->count[0] < low_bits) {
+        context->count[1]++;
+    }
+    context->count[1] += length >> 29;
+}
+
 void md5_add(cmpnt_md5_context *context, const uint8_t *input, uint32_t length) {
     if (length == 0) {
         return;  // the input may be null then
     }
     const uint32_t held = held_bytes(context);
     const uint32_t room = md5_block_size - held;
-    count_bits_of(context, length);
+    md5_count(context, length);
     if (length < room) {
         memcpy(context->buffer + held, input, length);
         return;

@@ -12,6 +12,9 @@ void md5_start(cmpnt_md5_context *context);
 void md5_add(cmpnt_md5_context *context, const uint8_t *input, uint32_t length);
 void md5_finish(uint8_t digest[md5_digest_size], cmpnt_md5_context *context);
 
+// Adds so many bytes to the context's count of bits.
+void md5_count(cmpnt_md5_context *context, uint32_t length);
+
 // Works the blocks, at any address, into the state.
 void md5_blocks(uint32_t state[4], const uint8_t *blocks, uint32_t count);
 

@@ -4,31 +4,20 @@
 #include <string.h>
 
 #include "common/log.hh"
+#include "common/split_text.hh"
 
 namespace {
 
 constexpr char parser[] = "cmpnt_parse_hotpatch_match";  // whose steps these are
 constexpr int32_t part_limit = 3;                        // one more than an item has
 
-// The pieces of a text. Splitting fails when they fill the array.
 template <int32_t limit>
-struct Pieces {
-    Pieces() = default;
-    Pieces(const Pieces &) = delete;
-    Pieces &operator=(const Pieces &) = delete;
-    ~Pieces() { cmpnt_recycle_pointer_array(texts, limit); }
-
-    bool split(const char *text, const char *separator) {
-        if (cmpnt_detach_install_queue(text, separator, texts, &count, limit) != 0) {
-            CMPNT_LOG_AS(log_error, parser, "cmpnt_detach_install_queue fail.\n");
-            return false;
-        }
-        return true;
+bool was_split(const SplitText<limit> &pieces) {
+    if (!pieces.is_whole()) {
+        CMPNT_LOG_AS(log_error, parser, "cmpnt_detach_install_queue fail.\n");
     }
-
-    char *texts[limit] = {};
-    int32_t count = 0;
-};
+    return pieces.is_whole();
+}
 
 bool is_empty(const char *text) { return text == nullptr || *text == '\0'; }
 
@@ -54,16 +43,16 @@ bool parse_item(HotpatchCriteria *criteria, const char *item) {
         CMPNT_LOG_AS(log_error, parser, "cmpnt_detach_install_queue is null.\n");
         return false;
     }
-    Pieces<part_limit> parts;
-    if (!parts.split(item, ":")) {
+    const SplitText<part_limit> parts(item, ":");
+    if (!was_split(parts)) {
         return false;
     }
-    if (parts.count != 2) {
+    if (parts.count() != 2) {
         CMPNT_LOG_AS(log_error, parser, "hotpatch match err (%s).\n", item);
         return false;
     }
-    const char *key = parts.texts[0];
-    const char *value = parts.texts[1];
+    const char *key = parts[0];
+    const char *value = parts[1];
     if (is_empty(key) || is_empty(value)) {
         CMPNT_LOG_AS(log_error, parser, "cmpnt_detach_tmp_queue is null.\n");
         return false;
@@ -74,12 +63,12 @@ bool parse_item(HotpatchCriteria *criteria, const char *item) {
 }  // namespace
 
 int32_t cmpnt_parse_hotpatch_match(HotpatchCriteria *criteria) {
-    Pieces<HotpatchCriteria::item_limit> items;
-    if (!items.split(criteria->text, "#")) {
+    const SplitText<HotpatchCriteria::item_limit> items(criteria->text, "#");
+    if (!was_split(items)) {
         return -1;
     }
-    for (int32_t i = 0; i < items.count; i++) {
-        if (!parse_item(criteria, items.texts[i])) {
+    for (const char *item : items) {
+        if (!parse_item(criteria, item)) {
             return -1;
         }
     }

@@ -1,4 +1,5 @@
 // Whether the file that a hot patch targets is the one that it was built against.
+#include <stdio.h>
 #include <string.h>
 
 #include "common/log.hh"
@@ -23,11 +24,15 @@ int32_t libcmpnt_db_check_hp_tgt_md5(const char *pkg_path) {
         CMPNT_LOG(log_error, "param is null.\n");
         return -1;
     }
+    // The path may be a text of the list, which the load frees. A longer one than records hold stays
+    // longer.
+    char wanted[CMPNT_PATH_SIZE + 1];
+    snprintf(wanted, sizeof(wanted), "%s", pkg_path);
     LoadedHotpatchRecords loaded;
     if (!loaded.load(__func__)) {
         return hotpatch_records_not_loaded;
     }
-    const cmpnt_upgrade_value *record = find_package(loaded.records(), pkg_path);
+    const cmpnt_upgrade_value *record = find_package(loaded.records(), wanted);
     if (record == nullptr) {
         return 0;
     }

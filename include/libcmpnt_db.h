@@ -511,7 +511,8 @@ CMPNT_API int32_t cmpnt_add_to_list_by_single(const cmpnt_upgrade_value *record)
 
 /* Removes the directory of every record in the upgrade list that is no application SMU: its
  * cur_pkg_path up to the last "/", whatever lies there ("/data/x.bin" removes /data). A path without
- * "/" is removed itself, relative to the working directory. The list stays. */
+ * "/" is removed itself, relative to the working directory; the root directory never is. The list
+ * stays. */
 CMPNT_API void cmpnt_delete_not_install_patch(void);
 
 /* The lists that a patch list kind names; any other kind is the upgrade list too. */
@@ -544,8 +545,8 @@ enum {
     CMPNT_PKG_TYPE_SIDE_FILE = 5    /* .sign, .hash */
 };
 
-/* Writes base and the suffix of the destination of a package type into dst, 260 bytes, zeroed first.
- * -1 for null or for another type, which leaves dst empty. */
+/* Writes base and the suffix of the destination of a package type into dst, 260 bytes, zeroed first; a
+ * longer path is cut. base may be dst. -1 for null, or for another type, which leaves dst empty. */
 CMPNT_API int32_t cmpnt_get_dest_path(const char *base, char *dst, uint32_t type);
 
 /* ==== Upgrade lists: synchronisation and hot-patch guard =================================== */
@@ -580,7 +581,7 @@ typedef struct cmpnt_md5_context {
     uint8_t buffer[64]; /* input not yet processed */
 } cmpnt_md5_context;
 
-/* Pointers are not null, but for the input of length 0. Any thread, each with its own context. */
+/* Null changes nothing. Any thread, each with its own context. */
 CMPNT_API void MD5Init(cmpnt_md5_context *context);
 CMPNT_API void MD5Update(cmpnt_md5_context *context, const uint8_t *input, uint32_t length);
 CMPNT_API void MD5Final(uint8_t digest[16], cmpnt_md5_context *context); /* does not wipe it */
@@ -779,8 +780,9 @@ CMPNT_API int32_t cmpnt_file_type_check(const char *file_name, uint32_t *type);
  * record, and their sizes. Files that are neither package nor side files (".sign", ".hash") are
  * DELETED; sub-directories stay and are not entered. Zero the record before its first use; free it
  * with cmpnt_free_file_name. -1 for null or a directory that cannot be opened, record as it was; and
- * for an entry that cannot be examined, one that comes when 300 names are held, or no memory: the
- * names are then freed and the count stays, so zero the record before it is used or freed again. */
+ * for an entry that cannot be examined (its path may have 259 bytes), one of any kind but a directory
+ * when 300 names are held, or no memory: the names are then freed and the count stays, so zero the
+ * record before it is used again; what was deleted stays deleted. */
 CMPNT_API int32_t cmpnt_traverse_folder(const char *path, file_name_list *record);
 
 /* What cmpnt_traverse_folder finds in a directory; stray files are deleted all the same. */
@@ -1107,15 +1109,17 @@ typedef int32_t (*libcmpnt_db_find_callback)(const char *filled);
  *     Is_hotpatch:1#Package:*
  * Keys: Is_hotpatch (1 or 0), Package, Hotpatch_file, Hotpatch_target_pkg (the record's
  * hotpatch_target), Hotpatch_target_path, State (a word), Pkg_path, and, as a condition alone,
- * Version. At least one condition and one "*"; at most 31 items. Write items to be filled in before
- * conditions on the same key.
+ * Version. At least one condition and one "*"; at most 31 items, in the first 1023 bytes. Write items
+ * to be filled in before conditions on the same key.
  *     0  every record was examined, also when none matched or the database is missing
  *    -1  null; criteria that cannot be split, or that lack a condition (when there is a record) or
- *        a "*" (when one matches); a key that cannot be filled in; no memory
+ *        a "*" (when one matches); a key that cannot be filled in; an answer more than 3584 bytes
+ *        longer than the criteria (one of exactly that loses its last byte); no memory
  *    -2  the records could not be loaded
  *    -4  a condition on an unknown key
  *     other  what the callback returned, which ended the lookup
- * The hot-patch list is used for the records, and is empty afterwards. */
+ * The hot-patch list is used for the records; it is empty in the callback and afterwards. Null leaves
+ * it as it was. */
 CMPNT_API int32_t libcmpnt_db_find(const char *criteria, libcmpnt_db_find_callback callback);
 
 /* One record's part in it, with the same results. */
@@ -1126,7 +1130,7 @@ CMPNT_API int32_t get_hotpatch_to_db(const cmpnt_upgrade_value *record, const ch
  * records the first with this cur_pkg_path tells the file (hotpatch_target_path) and its MD5 as
  * shipped and stripped. 0 when one of them is right, and when no record has this path; -1 for null or
  * a file that is neither or missing; -2 when the records could not be loaded. The hot-patch list is
- * used for the records, and is empty afterwards. */
+ * used for the records, and is empty afterwards; null leaves it as it was. */
 CMPNT_API int32_t libcmpnt_db_check_hp_tgt_md5(const char *pkg_path);
 
 #ifdef __cplusplus

@@ -1,9 +1,10 @@
-#include "list/dest_path.hh"
-
+// Where package files are unpacked to.
 #include <stdio.h>
 #include <string.h>
 
 #include "common/log.hh"
+
+namespace {
 
 const char *dest_suffix(uint32_t type) {
     switch (type) {
@@ -17,6 +18,8 @@ const char *dest_suffix(uint32_t type) {
             return nullptr;
     }
 }
+
+}  // namespace
 
 // The path is made apart, so that base may lie in dst.
 int32_t cmpnt_get_dest_path(const char *base, char *dst, uint32_t type) {

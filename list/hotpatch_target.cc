@@ -2,6 +2,7 @@
 #include <string.h>
 
 #include "common/log.hh"
+#include "common/split_text.hh"
 #include "list/list.hh"
 #include "list/smu_kind.hh"
 
@@ -9,46 +10,19 @@ namespace {
 
 constexpr char guard[] = "cmpnt_traverse_list_and_check_hotpatch_target";
 constexpr char separator[] = ";";
-
-// The targets of one record. What was split off is owned whether or not the rest could be.
-class Targets {
-public:
-    explicit Targets(const char *text)
-        : is_whole_(cmpnt_detach_install_queue(text, separator, names_, &count_, max_targets) ==
-                    0) {}
-    Targets(const Targets &) = delete;
-    Targets &operator=(const Targets &) = delete;
-    ~Targets() { cmpnt_recycle_pointer_array(names_, count_); }
-
-    bool is_whole() const { return is_whole_; }
-
-    const char *find(const char *name) const {
-        for (int32_t i = 0; i < count_; i++) {
-            if (strcmp(names_[i], name) == 0) {
-                return names_[i];
-            }
-        }
-        return nullptr;
-    }
-
-private:
-    static constexpr int32_t max_targets = 32;
-
-    char *names_[max_targets];
-    int32_t count_ = 0;
-    bool is_whole_;
-};
+constexpr int32_t max_targets = 32;  // one more than a record may have
 
 int32_t check_targets(const char *text, const char *file_name) {
-    const Targets targets(text);
+    const SplitText<max_targets> targets(text, separator);
     if (!targets.is_whole()) {
         CMPNT_LOG_AS(log_client_error, guard, "cmpnt_detach_install_queue fail.\n");
         return -1;
     }
-    const char *target = targets.find(file_name);
-    if (target != nullptr) {
-        CMPNT_LOG_AS(log_client_error, guard, "(%s) is hotpatch upgrade in device\n", target);
-        return -1;
+    for (const char *target : targets) {
+        if (strcmp(target, file_name) == 0) {
+            CMPNT_LOG_AS(log_client_error, guard, "(%s) is hotpatch upgrade in device\n", target);
+            return -1;
+        }
     }
     return 0;
 }

@@ -1,5 +1,7 @@
 #include "list/name_index.hh"
 
+#include <string.h>
+
 #include <random>
 
 #include "list/upgrade_list.hh"
@@ -8,18 +10,20 @@
 
 namespace {
 
-struct Names {
-    std::string patch;
-    std::string pkg;
-};
-
-// Few names, so that many are met twice; some differ in their last byte alone, or only behind what a
-// record holds.
-class NameSource {
+// Few names and SMU ids, so that many are met twice; some names differ in their last byte alone, or
+// only behind what a record holds.
+class RecordSource {
 public:
-    explicit NameSource(unsigned seed) : random_(seed) {}
+    explicit RecordSource(unsigned seed) : random_(seed) {}
 
-    Names next() { return {name(), name()}; }
+    cmpnt_upgrade_value next() {
+        const std::string patch = name();
+        const std::string pkg = name();
+        cmpnt_upgrade_value record = upgrade_record(patch, pkg);
+        record.card_id = static_cast<int32_t>(pick(4)) - 1;
+        record.patch_type = static_cast<int32_t>(pick(3));
+        return record;
+    }
 
 private:
     std::string name() {
@@ -43,20 +47,35 @@ private:
     std::mt19937 random_;
 };
 
-// The walk from the head, in words of its own.
-const cmpnt_upgrade_node *walk(const cmpnt_list_head &head, NameKey key, const Names &names) {
+// Duplicates, in words of the test's own.
+bool are_alike(NameKey key, const cmpnt_upgrade_value &a, const cmpnt_upgrade_value &b) {
+    const bool looks_at_patch = key != NameKey::package;
+    const bool looks_at_package = key == NameKey::package || key == NameKey::patch_and_package;
+    const bool looks_at_id = key == NameKey::smu_id_and_patch;
+    return (!looks_at_patch || strcmp(a.patch_name, b.patch_name) == 0) &&
+           (!looks_at_package || strcmp(a.pkg_name, b.pkg_name) == 0) &&
+           (!looks_at_id || a.card_id == b.card_id);
+}
+
+const char *name_of(NameKey key) {
+    return key == NameKey::package            ? "Package"
+           : key == NameKey::patch            ? "Patch"
+           : key == NameKey::smu_id_and_patch ? "SmuIdAndPatch"
+                                              : "PatchAndPackage";
+}
+
+// The walk from the head.
+const cmpnt_upgrade_node *walk(const cmpnt_list_head &head, NameKey key,
+                               const cmpnt_upgrade_value &record) {
     for (cmpnt_list_head *link = head.next; link != &head; link = link->next) {
-        const cmpnt_upgrade_value &value = CMPNT_UPGRADE_NODE(link)->value;
-        if (names.pkg.substr(0, 79) == value.pkg_name &&
-            (key == NameKey::package || names.patch.substr(0, 79) == value.patch_name)) {
+        if (are_alike(key, CMPNT_UPGRADE_NODE(link)->value, record)) {
             return CMPNT_UPGRADE_NODE(link);
         }
     }
     return nullptr;
 }
 
-const cmpnt_upgrade_node *append(const Names &names) {
-    const cmpnt_upgrade_value record = upgrade_record(names.patch, names.pkg);
+const cmpnt_upgrade_node *append(const cmpnt_upgrade_value &record) {
     insert_cmpnt_upgrade_db_to_list(&record, CMPNT_UPGRADE_LIST);
     return CMPNT_UPGRADE_NODE(cmpnt_upgrade_list.prev);
 }
@@ -65,15 +84,15 @@ const cmpnt_upgrade_node *append(const Names &names) {
 
 class NameIndexTest : public DeviceTest, public testing::WithParamInterface<NameKey> {
 protected:
-    // Appends nodes of random names, duplicates included, and compares answers on the way.
+    // Appends random nodes, duplicates included, and compares answers on the way.
     void grow_and_compare(NameIndex &index, int nodes, unsigned seed) {
-        NameSource names(seed);
+        RecordSource records(seed);
         for (int i = 0; i < nodes; i++) {
-            index.add(append(names.next()));
-            const Names wanted = names.next();
-            ASSERT_EQ(index.find(wanted.patch.c_str(), wanted.pkg.c_str()),
-                      walk(cmpnt_upgrade_list, GetParam(), wanted))
-                << wanted.patch << " " << wanted.pkg << " after " << i << " nodes";
+            index.add(append(records.next()));
+            const cmpnt_upgrade_value wanted = records.next();
+            ASSERT_EQ(index.find(wanted), walk(cmpnt_upgrade_list, GetParam(), wanted))
+                << wanted.patch_name << " " << wanted.pkg_name << " " << wanted.card_id << " after "
+                << i << " nodes";
         }
     }
 };
@@ -89,15 +108,14 @@ TEST_P(NameIndexTest, AnswersAsTheWalkWhileTheListGrows) {
 TEST_P(NameIndexTest, KnowsWhatTheListHeldBefore) {
     for (const int held : {0, 1, 7, 8, 9, 33, 200}) {
         cmpnt_recycle_upgrade_list(CMPNT_UPGRADE_LIST);
-        NameSource names(static_cast<unsigned>(held));
+        RecordSource records(static_cast<unsigned>(held));
         for (int i = 0; i < held; i++) {
-            append(names.next());
+            append(records.next());
         }
         NameIndex index(&cmpnt_upgrade_list, GetParam());
         for (int i = 0; i < 200; i++) {
-            const Names wanted = names.next();
-            ASSERT_EQ(index.find(wanted.patch.c_str(), wanted.pkg.c_str()),
-                      walk(cmpnt_upgrade_list, GetParam(), wanted));
+            const cmpnt_upgrade_value wanted = records.next();
+            ASSERT_EQ(index.find(wanted), walk(cmpnt_upgrade_list, GetParam(), wanted));
         }
         grow_and_compare(index, 40, 99);
     }
@@ -108,11 +126,11 @@ TEST_P(NameIndexTest, AnswersTheSameWithoutMemory) {
     for (const int call : {1, 2, 3, 4}) {
         for (const int times : {1, 1000}) {
             cmpnt_recycle_upgrade_list(CMPNT_UPGRADE_LIST);
-            NameSource names(7);
+            RecordSource records(7);
             NameIndex index(&cmpnt_upgrade_list, GetParam());
             int allocations = 0;
             for (int i = 0; i < 300; i++) {
-                const cmpnt_upgrade_node *node = append(names.next());
+                const cmpnt_upgrade_node *node = append(records.next());
                 const int before = fault::calls("calloc");
                 if (allocations < call) {
                     fault::fail("calloc", call - allocations, ENOMEM, times);
@@ -120,9 +138,8 @@ TEST_P(NameIndexTest, AnswersTheSameWithoutMemory) {
                 index.add(node);
                 allocations += fault::calls("calloc") - before;
                 fault::reset();
-                const Names wanted = names.next();
-                ASSERT_EQ(index.find(wanted.patch.c_str(), wanted.pkg.c_str()),
-                          walk(cmpnt_upgrade_list, GetParam(), wanted));
+                const cmpnt_upgrade_value wanted = records.next();
+                ASSERT_EQ(index.find(wanted), walk(cmpnt_upgrade_list, GetParam(), wanted));
             }
             EXPECT_EQ(allocations, call);  // it does not try again
         }
@@ -131,10 +148,10 @@ TEST_P(NameIndexTest, AnswersTheSameWithoutMemory) {
 }
 
 TEST_P(NameIndexTest, TakesNoMemoryForAShortList) {
-    NameSource names(3);
+    RecordSource records(3);
     NameIndex index(&cmpnt_upgrade_list, GetParam());
     for (int i = 0; i < 8; i++) {
-        const cmpnt_upgrade_node *node = append(names.next());
+        const cmpnt_upgrade_node *node = append(records.next());
         const int before = fault::calls("calloc");
         index.add(node);
         EXPECT_EQ(fault::calls("calloc"), before);
@@ -142,64 +159,88 @@ TEST_P(NameIndexTest, TakesNoMemoryForAShortList) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Keys, NameIndexTest,
-                         testing::Values(NameKey::patch_and_package, NameKey::package),
-                         [](const auto &test) {
-                             return test.param == NameKey::package ? "Package" : "PatchAndPackage";
-                         });
+                         testing::Values(NameKey::patch_and_package, NameKey::package,
+                                         NameKey::patch, NameKey::smu_id_and_patch),
+                         [](const auto &test) { return name_of(test.param); });
 
-// Loads: the same records, once by the exported functions and once through an index.
-class IndexedLoad : public DeviceTest {
-protected:
-    void SetUp() override {
-        DeviceTest::SetUp();
-        NameSource names(11);
-        for (int i = 0; i < 150; i++) {
-            const Names next = names.next();
-            rows.push_back(upgrade_record(next.patch, next.pkg, std::to_string(i)));
-        }
-    }
-
-    std::vector<cmpnt_upgrade_value> rows;
+// A load: the exported function, which walks, and what it is with an index.
+struct Load {
+    const char *name;
+    NameKey key;
+    int32_t (*walking)(const cmpnt_upgrade_value *record);
+    int32_t (*indexed)(const cmpnt_upgrade_value &record, NameIndex *index);
 };
 
-TEST_F(IndexedLoad, AddsWhatTheExportedFunctionAddsAndSaysWhatItSays) {
-    for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_upgrade_value_to_list(&row, CMPNT_UPGRADE_LIST), 0);
-    }
-    const std::vector<std::string> said = trace_messages();
-    EXPECT_FALSE(said.empty());
-    forget_log();
-    NameIndex index(&cmpnt_hp_list, NameKey::patch_and_package);
-    for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_HP_LIST, &index), 0);
-    }
-    EXPECT_EQ(records_of(cmpnt_hp_list), records_of(cmpnt_upgrade_list));
-    EXPECT_EQ(trace_messages(), said);
-}
+const Load loads[] = {
+    {"AllToList", NameKey::patch_and_package,
+     [](const cmpnt_upgrade_value *record) {
+         return cmpnt_add_upgrade_value_to_list(record, CMPNT_UPGRADE_LIST);
+     },
+     [](const cmpnt_upgrade_value &record, NameIndex *index) {
+         return cmpnt_add_upgrade_value_to_list(record, CMPNT_UPGRADE_LIST, index);
+     }},
+    {"ByPackage", NameKey::package, cmpnt_add_to_upgrade_list_by_pkg_name,
+     cmpnt_add_to_upgrade_list_by_pkg_name},
+    {"BySmu", NameKey::patch, cmpnt_add_to_list_by_smu, cmpnt_add_to_list_by_smu},
+    {"SinglePatches", NameKey::smu_id_and_patch, cmpnt_add_to_list_by_single,
+     cmpnt_add_to_list_by_single},
+};
 
-TEST_F(IndexedLoad, AddsByPackageAsTheExportedFunctionDoes) {
-    for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_to_upgrade_list_by_pkg_name(&row), 0);
+class IndexedLoad : public DeviceTest, public testing::WithParamInterface<Load> {};
+
+TEST_P(IndexedLoad, AddsAndSaysWhatTheExportedFunctionDoes) {
+    std::vector<cmpnt_upgrade_value> rows;
+    RecordSource records(11);
+    for (int i = 0; i < 150; i++) {
+        rows.push_back(records.next());
+        set_text(rows.back().cur_version, std::to_string(i));
     }
-    const std::vector<std::string> said = trace_messages();
+    for (const cmpnt_upgrade_value &row : rows) {
+        EXPECT_EQ(GetParam().walking(&row), 0);
+    }
     const std::vector<std::string> added = records_of(cmpnt_upgrade_list);
+    const std::vector<std::string> said = trace_messages();
+    EXPECT_GT(added.size(), 8u);
+    EXPECT_LT(added.size(), rows.size());
+    EXPECT_FALSE(said.empty());
     cmpnt_recycle_upgrade_list(CMPNT_UPGRADE_LIST);
     forget_log();
-    NameIndex index(&cmpnt_upgrade_list, NameKey::package);
+    NameIndex index(&cmpnt_upgrade_list, GetParam().key);
     for (const cmpnt_upgrade_value &row : rows) {
-        EXPECT_EQ(cmpnt_add_to_upgrade_list_by_pkg_name(row, &index), 0);
+        EXPECT_EQ(GetParam().indexed(row, &index), 0);
     }
     EXPECT_EQ(records_of(cmpnt_upgrade_list), added);
     EXPECT_EQ(trace_messages(), said);
 }
 
-TEST_F(IndexedLoad, DoesNotTellTheIndexOfANodeThatWasNotMade) {
-    NameIndex index(&cmpnt_upgrade_list, NameKey::patch_and_package);
-    const cmpnt_upgrade_value row = upgrade_record("smu", "pkg");
+// The list is long already, so that the index no longer walks it.
+TEST_P(IndexedLoad, TellsAnIndexThatIsBuiltOfEachNode) {
+    RecordSource records(5);
+    for (int i = 0; i < 20; i++) {
+        append(records.next());
+    }
+    NameIndex index(&cmpnt_upgrade_list, GetParam().key);
+    cmpnt_upgrade_value row = upgrade_record("smu", "pkg");
+    row.card_id = 7;
+    row.patch_type = 1;
+    for (int times = 0; times < 2; times++) {
+        EXPECT_EQ(GetParam().indexed(row, &index), 0);
+        EXPECT_EQ(records_of(cmpnt_upgrade_list).size(), 21u);
+    }
+}
+
+TEST_P(IndexedLoad, DoesNotTellTheIndexOfANodeThatWasNotMade) {
+    NameIndex index(&cmpnt_upgrade_list, GetParam().key);
+    cmpnt_upgrade_value row = upgrade_record("smu", "pkg");
+    row.card_id = 7;
+    row.patch_type = 1;
     fault::fail("calloc", 1, ENOMEM);
-    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_UPGRADE_LIST, &index), -1);
-    EXPECT_TRUE(logged("CMPNT_ERROR", "cmpnt_add_upgrade_value_to_list",
-                       "insert_cmpnt_upgrade_db_to_list fail.\n"));
-    EXPECT_EQ(cmpnt_add_upgrade_value_to_list(row, CMPNT_UPGRADE_LIST, &index), 0);
+    EXPECT_EQ(GetParam().indexed(row, &index), -1);
+    EXPECT_TRUE(records_of(cmpnt_upgrade_list).empty());
+    EXPECT_EQ(GetParam().indexed(row, &index), 0);
+    EXPECT_EQ(GetParam().indexed(row, &index), 0);
     EXPECT_EQ(records_of(cmpnt_upgrade_list).size(), 1u);
 }
+
+INSTANTIATE_TEST_SUITE_P(Loads, IndexedLoad, testing::ValuesIn(loads),
+                         [](const auto &test) { return test.param.name; });

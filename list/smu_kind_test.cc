@@ -2,6 +2,7 @@
 
 #include "tests/support/device_test.hh"
 
+// Each as the library asks and as a host does.
 TEST(SmuKind, IsABitOfTheOperationFlag) {
     struct {
         int32_t op_flag;
@@ -17,5 +18,8 @@ TEST(SmuKind, IsABitOfTheOperationFlag) {
         EXPECT_EQ(is_smu_kind(value, smu_cold), test.cold) << test.op_flag;
         EXPECT_EQ(is_smu_kind(value, smu_application), test.application) << test.op_flag;
         EXPECT_EQ(is_smu_kind(value, smu_hot_patch), test.hot_patch) << test.op_flag;
+        EXPECT_EQ(cmpnt_smu_is_cold(test.op_flag), test.cold ? 1 : 0) << test.op_flag;
+        EXPECT_EQ(cmpnt_smu_is_app(test.op_flag), test.application ? 1 : 0) << test.op_flag;
+        EXPECT_EQ(cmpnt_smu_is_hp(test.op_flag), test.hot_patch ? 1 : 0) << test.op_flag;
     }
 }

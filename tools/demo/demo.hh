@@ -1,4 +1,5 @@
-// The rollback demo: one upgrade is taken off a device whose packages are this machine's own.
+// The demo: one upgrade is taken off a device whose packages are this machine's own, and a hot patch
+// is looked up.
 #ifndef CMPNT_DEMO_HH
 #define CMPNT_DEMO_HH
 
@@ -34,6 +35,7 @@ bool import_installed_packages();  // from the machine's own status file
 bool record_upgrades();
 bool roll_back(std::vector<PackageOutcome> &outcomes);
 bool outcomes_are_expected(const std::vector<PackageOutcome> &outcomes);
+bool try_hot_patch();
 
 void show_tables(const char *title);
 

@@ -46,7 +46,11 @@ int main() {
     if (!demo::outcomes_are_expected(outcomes)) {
         return 1;
     }
-    printf("every decision is the expected one\n");
+    printf("every decision is the expected one\n\n");
+    if (!demo::try_hot_patch()) {
+        return 1;
+    }
+    printf("every answer is the expected one\n\n");
     printf("databases:  %s\n            %s\n", demo::main_database, demo::backup_database);
     printf("trace file: /var/cache/opkg/debug/.cmpnt_demo.log\n");
     return 0;
