@@ -1,9 +1,11 @@
 #include "verify/unpack.hh"
 
 #include <errno.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include "tests/support/base_packages.hh"
+#include "tests/support/deadline.hh"
 #include "tests/support/device_test.hh"
 #include "tests/support/verification.hh"
 
@@ -170,7 +172,8 @@ TEST_F(Unpack, RefusesMembersThatLeadUpwards) {
     EXPECT_FALSE(exists("/var/cache/opkg/cmpnt_safe_verify/victim"));
 }
 
-// Of one archive the links wait until all else is unpacked; those of the archive before it do not.
+// Of one archive the links out of it wait until all else is unpacked; those of the archive before it
+// do not.
 TEST_F(Unpack, WritesNothingThroughALinkOfTheOuterArchive) {
     make_directories("/opt/victim/bin");
     ASSERT_EQ(system("mkdir -p /opt/in/usr/bin /opt/out && echo evil > /opt/in/usr/bin/evil && "
@@ -193,6 +196,79 @@ TEST_F(Unpack, WritesNothingThroughALinkThatAnEarlierPackageLeft) {
     EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
     EXPECT_FALSE(exists("/opt/victim/bin/evil"));
     EXPECT_TRUE(exists(scratch_path + "/usr/bin/evil"));
+}
+
+// The link leads nowhere, until the inner archive brings the directory from which it climbs.
+TEST_F(Unpack, WritesNothingThroughALinkThatLeadsOutOnlyLater) {
+    make_directories("/opt/victim");
+    ASSERT_EQ(
+        system("mkdir -p /opt/out /opt/in/later /opt/in/way && echo evil > /opt/in/way/evil && "
+               "tar -czf /opt/out/data.tar.gz -C /opt/in later way/evil && "
+               "ln -s later/../../../../../../opt/victim /opt/out/way && "
+               "tar -czf /opt/base.ipk -C /opt/out ."),
+        0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_FALSE(exists("/opt/victim/evil"));
+    EXPECT_EQ(read_file(scratch_path + "/way/evil"), "evil\n");
+}
+
+// The link stays within the directory where it lies, and leads out from where a hard link has it.
+TEST_F(Unpack, WritesNothingThroughALinkThatTheInnerArchiveCopies) {
+    make_directories("/opt/victim");
+    ASSERT_EQ(
+        system("mkdir -p /opt/out/1/2/3/4/5 /opt/out/opt/victim /opt/in/1/2/3/4/5 && cd /opt/in "
+               "&& ln -s ../../../../../opt/victim 1/2/3/4/5/link && ln 1/2/3/4/5/link way && "
+               "cp -d 1/2/3/4/5/link /opt/out/1/2/3/4/5/link && "
+               "tar -cf links.tar 1/2/3/4/5/link way && rm way && mkdir way && "
+               "echo evil > way/evil && tar -cf file.tar way/evil && "
+               // without the first member, a block long, "way" is a hard link to what is there
+               "(dd if=links.tar bs=512 skip=1 count=1 && cat file.tar) 2>/dev/null | "
+               "gzip > /opt/out/data.tar.gz && tar -czf /opt/base.ipk -C /opt/out ."),
+        0);
+    cmpnt_unzip_safe_verify_file(package);
+    EXPECT_FALSE(exists("/opt/victim/evil"));
+}
+
+// The walk does not follow links: what is installed under one would not be looked at.
+TEST_F(Unpack, LaysNoFileBehindALinkOfTheOuterArchive) {
+    ASSERT_EQ(system("mkdir -p /opt/in/usr/lib/modules /opt/out/usr/lib /opt/out/elsewhere && "
+                     "echo evil > /opt/in/usr/lib/modules/evil && "
+                     "tar -czf /opt/out/data.tar.gz -C /opt/in usr/lib/modules/evil && "
+                     "ln -s ../../elsewhere /opt/out/usr/lib/modules && "
+                     "tar -czf /opt/base.ipk -C /opt/out ."),
+              0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), 0);
+    EXPECT_TRUE(names_in(scratch_path + "/elsewhere").empty());
+    list_hash("/usr/lib/modules/evil", "d");
+    platform.digest_result = 1;
+    EXPECT_EQ(cmpnt_global_hash_file_verify((scratch_path + "/usr/lib").c_str()), -1);
+}
+
+TEST_F(Unpack, TakesNoLinkForTheInnerArchive) {
+    ASSERT_EQ(system("mkdir -p /opt/in /opt/out && tar -czf /opt/out/real.tar.gz -C /opt/in . && "
+                     "ln -s real.tar.gz /opt/out/data.tar.gz && "
+                     "tar -czf /opt/base.ipk -C /opt/out ."),
+              0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("file(" + scratch_path + "/data.tar.gz) is not exist.\n"));
+}
+
+TEST_F(Unpack, WaitsForNobodyToFillAPipe) {
+    const Deadline deadline;
+    ASSERT_EQ(mkfifo("/opt/pipe.ipk", 0600), 0);
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file("/opt/pipe.ipk"), -1);
+    EXPECT_TRUE(says("cmpnt_popen_cmd_run fail, buf(/opt/pipe.ipk -C " + scratch_path + ").\n"));
+    const PackageTree tree;
+    ASSERT_EQ(mkfifo("/opt/package/outer/data.tar.gz", 0600), 0);
+    ASSERT_TRUE(tree.pack_without_inner_archive(package));
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1);
+    EXPECT_TRUE(says("cmpnt_system_cmd_run fail, buf(" + scratch_path + "/data.tar.gz -C " +
+                     scratch_path + ").\n"));
+}
+
+TEST_F(Unpack, ReadsFromNoTerminal) {
+    EXPECT_EQ(cmpnt_unzip_safe_verify_file("/dev/null"), -1);
+    EXPECT_EQ(fault::calls("popen"), 0);
 }
 
 TEST_F(Unpack, FailsQuietlyWhereItCannotLookForSuchLinks) {
