@@ -1,5 +1,5 @@
-// The demo: one upgrade is taken off a device whose packages are this machine's own, and a hot patch
-// is looked up.
+// The demo: one upgrade is taken off a device whose packages are this machine's own, a hot patch is
+// looked up, and packages are verified.
 #ifndef CMPNT_DEMO_HH
 #define CMPNT_DEMO_HH
 
@@ -15,6 +15,7 @@ constexpr char download_cache[] = "/data/cmpnt/opkg/download";
 constexpr char installed_packages[] = "/opt/packages";
 constexpr char main_database[] = "/var/lib/opkg/cmpnt_upgrade.db3";
 constexpr char backup_database[] = "/data/cmpnt/opkg/cmpnt_upgrade_backup.db3";
+constexpr char trace_file[] = "/var/cache/opkg/debug/.cmpnt_demo.log";
 
 // The upgrade that the demo takes away.
 constexpr char withdrawn_upgrade[] = "smu_security";
@@ -36,6 +37,8 @@ bool record_upgrades();
 bool roll_back(std::vector<PackageOutcome> &outcomes);
 bool outcomes_are_expected(const std::vector<PackageOutcome> &outcomes);
 bool try_hot_patch();
+bool try_verification();
+bool try_whitelist();
 
 void show_tables(const char *title);
 
@@ -45,7 +48,9 @@ std::string base_version_of(const std::string &package);
 std::string package_file(const std::string &directory, const std::string &package,
                          const std::string &version);
 std::string installed_file(const std::string &package);
-bool fail(const char *what);  // prints it; false
+const char *last_component(const char *path);
+bool change_a_byte(const char *path);  // the last; a second time changes it back
+bool fail(const char *what);           // prints it; false
 
 }  // namespace demo
 

@@ -1,8 +1,6 @@
 // Step 5: a hot patch, found again by criteria, and the file that it is for.
 #include <stdio.h>
 
-#include <fstream>
-
 #include "tools/demo/demo.hh"
 
 namespace demo {
@@ -82,14 +80,6 @@ bool check_target(const char *which, int32_t expected) {
     const int32_t result = libcmpnt_db_check_hp_tgt_md5(patch_file().c_str());
     printf("  %-26s -> %s\n", which, result == 0 ? "may be patched" : "refused");
     return result == expected;
-}
-
-bool change_a_byte(const char *path) {
-    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
-    const int byte = file.get();
-    file.seekp(0);
-    file.put(static_cast<char>(byte ^ 1));
-    return static_cast<bool>(file.flush());
 }
 
 bool target_is_checked() {

@@ -1,5 +1,8 @@
 #include <stdio.h>
+#include <string.h>
 #include <unistd.h>
+
+#include <fstream>
 
 #include "tools/demo/demo.hh"
 
@@ -20,8 +23,19 @@ std::string installed_file(const std::string &package) {
     return std::string(installed_packages) + "/" + package + ".ipk";
 }
 
+const char *last_component(const char *path) { return strrchr(path, '/') + 1; }
+
+bool change_a_byte(const char *path) {
+    std::fstream file(path, std::ios::in | std::ios::out | std::ios::binary);
+    file.seekg(-1, std::ios::end);
+    const int byte = file.get();
+    file.seekp(-1, std::ios::end);
+    file.put(static_cast<char>(byte ^ 1));
+    return static_cast<bool>(file.flush());
+}
+
 bool fail(const char *what) {
-    printf("FAILED: %s; see /var/cache/opkg/debug/.cmpnt_demo.log\n", what);
+    printf("FAILED: %s; see %s\n", what, trace_file);
     return false;
 }
 
@@ -51,7 +65,11 @@ int main() {
         return 1;
     }
     printf("every answer is the expected one\n\n");
+    if (!demo::try_verification() || !demo::try_whitelist()) {
+        return 1;
+    }
+    printf("every verification ended as expected\n\n");
     printf("databases:  %s\n            %s\n", demo::main_database, demo::backup_database);
-    printf("trace file: /var/cache/opkg/debug/.cmpnt_demo.log\n");
+    printf("trace file: %s\n", demo::trace_file);
     return 0;
 }
