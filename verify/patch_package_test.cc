@@ -163,6 +163,13 @@ TEST_F(PatchPackage, NeedsNothingOfOtherFilesAndOfWhatIsNoFile) {
     EXPECT_EQ(digests_asked(), Texts{"/opt/p|a.deb|d1|2"});
 }
 
+TEST_F(PatchPackage, NeedsNothingOfSmuFilesWhenTheFileSystemTellsNoTypes) {
+    make_patch("/opt/p", "d1  a.deb\n", {"smu-a"});
+    fault::hide_entry_types();
+    EXPECT_EQ(verify("/opt/p/a.deb"), 0);
+    EXPECT_EQ(digests_asked(), Texts{"/opt/p|a.deb|d1|2"});
+}
+
 TEST_F(PatchPackage, ThatIsNotListedIsRefused) {
     make_patch("/opt/p", "d1  a.deb\n", {"b.deb"});
     EXPECT_EQ(verify("/opt/p/b.deb"), -1);

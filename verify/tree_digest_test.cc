@@ -212,6 +212,17 @@ TEST_F(TreeDigest, IsNotAskedForWhatIsNeitherFileNorLink) {
     EXPECT_FALSE(exists(trace_path()));
 }
 
+TEST_F(TreeDigest, IsAskedForNowhereWhenTheFileSystemTellsNoTypes) {
+    for (const char *path : {"/bin/x", "/bin/below/y"}) {
+        list_hash(path, "d");
+        unpack(path);
+    }
+    fault::hide_entry_types();
+    platform.digest_result = 1;
+    EXPECT_EQ(verify("/bin"), 0);
+    EXPECT_TRUE(digests_asked().empty());
+}
+
 TEST_F(TreeDigest, IsAskedForInEveryDirectoryBelow) {
     for (const char *path : {"/lib/a/b/c/x", "/lib/.hidden/y", "/lib/..odd/z", "/lib/with blank"}) {
         list_hash(path, "d");

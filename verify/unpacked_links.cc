@@ -5,7 +5,6 @@
 #include <limits.h>
 #include <stdio.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include "common/guard.hh"
 #include "verify/directory_entries.hh"
@@ -52,7 +51,7 @@ private:
         if (S_ISDIR(status.st_mode)) {
             return descend(length);
         }
-        return !S_ISLNK(status.st_mode) || unlink(path_) == 0;
+        return !S_ISLNK(status.st_mode) || remove(path_) == 0;
     }
 
     char path_[PATH_MAX] = "";

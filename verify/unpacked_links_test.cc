@@ -88,6 +88,19 @@ TEST_F(UnpackedLinks, AreNoneInAFileButWhatIsMissingIsNotSeenTo) {
     EXPECT_FALSE(remove_links(""));
 }
 
+TEST_F(UnpackedLinks, AreFoundWhereTheFileSystemTellsNoTypes) {
+    link("/opt/outside", "/opt/top/inside/out");
+    fault::hide_entry_types();
+    EXPECT_TRUE(remove_links("/opt/top"));
+    EXPECT_FALSE(exists("/opt/top/inside/out"));
+}
+
+TEST_F(UnpackedLinks, ThatCannotBeRemovedAreNotSeenTo) {
+    link("/opt/outside", "/opt/top/out");
+    fault::fail("remove", 1, EROFS);
+    EXPECT_FALSE(remove_links("/opt/top"));
+}
+
 TEST_F(UnpackedLinks, AreNotSeenToWhereADirectoryCannotBeRead) {
     link("/opt/outside", "/opt/top/out");
     fault::fail("readdir64", 1, EIO);

@@ -31,50 +31,32 @@ struct WrappedFunction {
 #define WRAPPED(name)                                                                              \
     { #name }
 WrappedFunction functions[] = {
-    WRAPPED(calloc),
-    WRAPPED(realloc),
-    WRAPPED(strndup),
-    WRAPPED(open64),
-    WRAPPED(close),
-    WRAPPED(dup),
-    WRAPPED(dup2),
-    WRAPPED(fcntl64),
-    WRAPPED(fsync),
-    WRAPPED(sync),
-    WRAPPED(write),
-    WRAPPED(fopen64),
-    WRAPPED(fclose),
-    WRAPPED(fwrite),
-    WRAPPED(fileno),
-    WRAPPED(opendir),
-    WRAPPED(closedir),
-    WRAPPED(lstat64),
-    WRAPPED(statvfs64),
-    WRAPPED(rename),
-    WRAPPED(remove),
-    WRAPPED(rmdir),
-    WRAPPED(chmod),
-    WRAPPED(chdir),
-    WRAPPED(popen),
-    WRAPPED(pclose),
-    WRAPPED(nanosleep),
-    WRAPPED(ferror),
-    WRAPPED(sqlite3_open),
-    WRAPPED(sqlite3_exec),
-    WRAPPED(sqlite3_close),
-    WRAPPED(mkdir),
-    WRAPPED(vsnprintf),
-    WRAPPED(fseeko64),
-    WRAPPED(fflush),
-    WRAPPED(read),
-    WRAPPED(cmpnt_get_dest_path),
-    WRAPPED(fputs),
-    WRAPPED(readdir64),
+    WRAPPED(calloc),       WRAPPED(realloc),
+    WRAPPED(strdup),       WRAPPED(strndup),
+    WRAPPED(open64),       WRAPPED(close),
+    WRAPPED(dup),          WRAPPED(dup2),
+    WRAPPED(fcntl64),      WRAPPED(fsync),
+    WRAPPED(sync),         WRAPPED(write),
+    WRAPPED(fopen64),      WRAPPED(fclose),
+    WRAPPED(fwrite),       WRAPPED(fileno),
+    WRAPPED(opendir),      WRAPPED(closedir),
+    WRAPPED(lstat64),      WRAPPED(statvfs64),
+    WRAPPED(rename),       WRAPPED(remove),
+    WRAPPED(rmdir),        WRAPPED(chmod),
+    WRAPPED(chdir),        WRAPPED(popen),
+    WRAPPED(pclose),       WRAPPED(nanosleep),
+    WRAPPED(ferror),       WRAPPED(sqlite3_open),
+    WRAPPED(sqlite3_exec), WRAPPED(sqlite3_close),
+    WRAPPED(mkdir),        WRAPPED(vsnprintf),
+    WRAPPED(fseeko64),     WRAPPED(fflush),
+    WRAPPED(read),         WRAPPED(cmpnt_get_dest_path),
+    WRAPPED(fputs),        WRAPPED(readdir64),
 };
 const char *sequence[256];
 int sequence_length = 0;
 bool sleeps_are_skipped = false;
 int64_t nanoseconds_slept = 0;
+bool entry_types_are_hidden = false;
 bool space_is_told = false;
 unsigned long told_block_size = 0;
 unsigned long long told_blocks = 0;
@@ -155,6 +137,8 @@ void skip_sleeps() { sleeps_are_skipped = true; }
 
 double slept() { return static_cast<double>(nanoseconds_slept) / nanoseconds; }
 
+void hide_entry_types() { entry_types_are_hidden = true; }
+
 void tell_space(unsigned long block_size, unsigned long long blocks) {
     space_is_told = true;
     told_block_size = block_size;
@@ -168,6 +152,7 @@ void reset() {
     sequence_length = 0;
     sleeps_are_skipped = false;
     nanoseconds_slept = 0;
+    entry_types_are_hidden = false;
     space_is_told = false;
 }
 
@@ -187,6 +172,7 @@ extern "C" {
 
 WRAP(void *, calloc, (size_t count, size_t size), (count, size), nullptr)
 WRAP(void *, realloc, (void *block, size_t size), (block, size), nullptr)
+WRAP(char *, strdup, (const char *text), (text), nullptr)
 WRAP(char *, strndup, (const char *text, size_t size), (text, size), nullptr)
 WRAP(int, close, (int fd), (fd), -1)
 WRAP(int, dup, (int fd), (fd), -1)
@@ -204,7 +190,6 @@ WRAP(int, fseeko64, (FILE * stream, off64_t offset, int whence), (stream, offset
 WRAP(int, fileno, (FILE * stream), (stream), -1)
 WRAP(int, ferror, (FILE * stream), (stream), 1)
 WRAP(DIR *, opendir, (const char *path), (path), nullptr)
-WRAP(struct dirent64 *, readdir64, (DIR * directory), (directory), nullptr)
 WRAP(int, lstat64, (const char *path, struct stat64 *status), (path, status), -1)
 WRAP(int, vsnprintf, (char *text, size_t size, const char *format, va_list arguments),
      (text, size, format, arguments), -1)
@@ -215,6 +200,15 @@ WRAP(int, chmod, (const char *path, mode_t mode), (path, mode), -1)
 WRAP(int, chdir, (const char *path), (path), -1)
 WRAP(int, mkdir, (const char *path, mode_t mode), (path, mode), -1)
 WRAP(FILE *, popen, (const char *command, const char *mode), (command, mode), nullptr)
+
+struct dirent64 *__real_readdir64(DIR *directory);
+struct dirent64 *__wrap_readdir64(DIR *directory) {
+    struct dirent64 *entry = fails("readdir64") ? nullptr : __real_readdir64(directory);
+    if (entry != nullptr && entry_types_are_hidden) {
+        entry->d_type = DT_UNKNOWN;
+    }
+    return entry;
+}
 
 // What is to be closed is closed all the same.
 int __real_fclose(FILE *stream);

@@ -33,6 +33,9 @@ void skip_sleeps();
 // Seconds spent in nanosleep() since the last reset, skipped ones too. One that fails is half over.
 double slept();
 
+// readdir() tells no types, as on a file system that does not keep them with the names.
+void hide_entry_types();
+
 // statvfs() tells of this room on every file system: the fragment size and the blocks available.
 void tell_space(unsigned long block_size, unsigned long long blocks);
 
