@@ -122,6 +122,17 @@ TEST_F(BasePackage, NeedsTheSignatureOfTheGlobalList) {
     EXPECT_FALSE(exists(scratch));
 }
 
+TEST_F(BasePackage, TakesEveryNonZeroAnswerForAGoodSignature) {
+    ASSERT_TRUE(PackageTree().pack(package));
+    write_file(white_list, "");
+    write_file(white_signature, "");
+    for (int32_t result : {1, 2, -1}) {
+        cmpnt_sign_verify_init();
+        platform.signature_result = result;
+        EXPECT_EQ(verify(), 0) << result;
+    }
+}
+
 TEST_F(BasePackage, NeedsTheSignatureOfTheWhitelistThatHasOne) {
     ASSERT_TRUE(PackageTree().pack(package));
     write_file(white_list, "e1  /usr/bin/w\n");

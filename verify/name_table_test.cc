@@ -2,6 +2,8 @@
 
 #include <errno.h>
 
+#include <utility>
+
 #include "tests/support/device_test.hh"
 
 class NameTableTest : public DeviceTest {
@@ -45,6 +47,19 @@ TEST_F(NameTableTest, KeepsTheFirstOfAName) {
         ASSERT_TRUE(table.add("", &second));  // takes no room
     }
     EXPECT_EQ(fault::calls("calloc"), 1);
+}
+
+TEST_F(NameTableTest, TellsNamesOfTheSameHashApart) {
+    const std::pair<const char *, const char *> pairs[] = {
+        {"costarring", "liquid"}, {"declinate", "macallums"}, {"altarage", "zinke"}};
+    NameTable table;
+    for (const auto &[one, other] : pairs) {
+        ASSERT_TRUE(table.add(one, one));
+        EXPECT_EQ(table.find(other), nullptr);
+        ASSERT_TRUE(table.add(other, other));
+        EXPECT_EQ(table.find(one), one);
+        EXPECT_EQ(table.find(other), other);
+    }
 }
 
 TEST_F(NameTableTest, StaysAsItIsWithoutMemory) {

@@ -154,6 +154,21 @@ TEST_F(TreeDigest, IsAskedForWhenTheGlobalWhitelistHasNoSignatureFile) {
     EXPECT_EQ(digests_asked().size(), 1u);
 }
 
+// A whitelist that cannot be read complains to whoever asks.
+TEST_F(TreeDigest, IsAskedForAfterTheGlobalWhitelistWhichIsNotAskedAboutSkippedLinks) {
+    write_file("/var/safe-verify/signature/global-white-sm2.sign", "");
+    const std::string complaint =
+        "open(/var/safe-verify/sm3/global-white-sm3.hash) failed, reason: " +
+        std::string(strerror(ENOENT)) + "\n";
+    unpack_link("/bin/link", "nowhere");
+    EXPECT_EQ(verify("/bin"), 0);
+    EXPECT_FALSE(exists(trace_path()));
+    unpack("/bin/not_listed");
+    EXPECT_EQ(verify("/bin"), 0);
+    EXPECT_EQ(traced("error", "file_exist_in_global_whitelist", complaint), 1);
+    EXPECT_TRUE(digests_asked().empty());
+}
+
 TEST_F(TreeDigest, OfLinksIsAskedForUnderStartUpLinksOnly) {
     for (const char *path :
          {"/usr/bin/link", "/etc/rc.d/S10a", "/etc/rc.d/rc3.d/S10b", "/etc/init.d/link"}) {
@@ -304,6 +319,13 @@ TEST_F(TreeDigest, IsAskedForAsLongAsThePathFits) {
     list_hash((directory + "/x").substr(strlen(scratch)), "d");
     EXPECT_EQ(cmpnt_global_hash_file_verify(directory.c_str()), 0);
     EXPECT_EQ(digests_asked().size(), 1u);
+}
+
+TEST_F(TreeDigest, RefusesAPathThatIsOneByteTooLong) {
+    const std::string directory = directory_of_length(258);
+    write_file(directory + "/x", "x");
+    EXPECT_EQ(cmpnt_global_hash_file_verify(directory.c_str()), -1);
+    EXPECT_TRUE(says("opendir path(" + directory + "/) fail.\n"));
 }
 
 // Cut, these paths would be the directory with a slash, and the directory itself, for ever.
