@@ -1037,12 +1037,13 @@ CMPNT_API int32_t cmpnt_delete_pkg_by_path(const char *path);
  *   .deb  its directory's "patch-sm3.hash" is signed by "patch-sm2.sign", every file "smu..." of the
  *         directory has the digest listed there, and so has the package itself;
  *   .ipk  the global hash list is signed, and every file that the package brings into a trusted
- *         directory and that is on the list has the digest listed there;
+ *         directory and that is on the list has the digest listed there, or is on a whitelist;
  *   any other suffix: nothing is checked.
  * -1 otherwise. The suffix counts from the last "." of the whole path. The path reaches a shell
  * unquoted. A patch directory's signature is checked once in a row, that of the global list once
  * until cmpnt_sign_verify_init; after a failed .ipk the unpacked files stay in
- * "/var/cache/opkg/cmpnt_safe_verify/safe_data_tmp", and fail the next one too: remove them. */
+ * "/var/cache/opkg/cmpnt_safe_verify/safe_data_tmp", and all but links fail the next one too:
+ * remove them. */
 CMPNT_API int32_t cmpnt_safe_verify(const char *path, uintptr_t second, uintptr_t third,
                                     uintptr_t fourth);
 
@@ -1065,7 +1066,8 @@ typedef struct hash_verify_list_t {
     ((hash_verify_list_t *)(void *)((char *)(link_pointer)-offsetof(hash_verify_list_t, link)))
 
 /* Appends a digest and takes both texts, blocks of malloc. When the name is listed already nothing
- * is taken, and the result is 0 all the same: look first. -1 for null or without memory. */
+ * is taken, and the result is 0 all the same: look first. -1 for null or without memory, and nothing
+ * is taken. */
 CMPNT_API int32_t cmpnt_add_hash_verify_list(char *name, char *hash_value);
 CMPNT_API void cmpnt_recycle_hash_verify_list(void); /* frees all digests with their texts */
 
@@ -1074,7 +1076,9 @@ CMPNT_API int32_t cmpnt_check_patch_hash_value(const char *name, const char *dir
 
 /* 0 when every file under a directory of the unpacked package passes: it is on no list, on the global
  * whitelist, has the listed digest, or is on the dynamic whitelist. Of links those under /etc/rc.d
- * are checked, devices and sockets never. */
+ * are checked, devices and sockets never. A file is listed by its path without the first 47
+ * characters, the length of the scratch directory's. -1 also for null, a directory that cannot be
+ * read and a path of 260 bytes or more. */
 CMPNT_API int32_t cmpnt_global_hash_file_verify(const char *directory);
 
 /* 1 when a line of the global whitelist begins with path, and its signature file exists; else 0. */
