@@ -159,6 +159,22 @@ TEST_F(Unpack, LaysMembersWithAbsolutePathsIntoTheScratchDirectoryToo) {
     EXPECT_EQ(read_file(scratch_path + "/opt/victim/file"), "good");
 }
 
+// The archive's first member, two blocks long, is cut off: its second is a hard link to it.
+TEST_F(Unpack, LinksNoFileOfTheDevice) {
+    make_directories("/opt/a/b");
+    for (const char *victim : {"/opt/a/victim", "../victim"}) {
+        write_file("/opt/a/victim", "untouched");
+        const std::string name(victim);
+        ASSERT_EQ(system(("cd /opt/a/b && ln -f ../victim here && tar -cPf links.tar " + name +
+                          " here && rm here && tail -c +1025 links.tar | gzip > data.tar.gz && "
+                          "tar -cf /opt/base.ipk data.tar.gz")
+                             .c_str()),
+                  0);
+        EXPECT_EQ(cmpnt_unzip_safe_verify_file(package), -1) << victim;
+        EXPECT_FALSE(exists(scratch_path + "/here"));
+    }
+}
+
 TEST_F(Unpack, RefusesMembersThatLeadUpwards) {
     write_file("/opt/victim", "good");
     make_directories("/opt/a/b");
