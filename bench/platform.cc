@@ -1,4 +1,5 @@
-// A platform that costs nothing, so that the library alone is measured.
+// A platform that costs nothing, so that the library alone is measured. Only the verification service
+// is the reference platform's.
 #include "platform/platform.h"
 
 int32_t printk_syslog_lc(int32_t, const char *, const char *, const char *, ...) { return 0; }
@@ -23,11 +24,3 @@ int32_t vx_mom_set(uint32_t, int32_t, const ProtobufCMessage *, void *, void *) 
 void *vx_thread_add_timer(void *, uintptr_t, uintptr_t, uintptr_t) { return nullptr; }
 
 int32_t cli_printf(const char *, ...) { return 0; }
-
-int32_t safe_verify_file_signature_with_id(const char *, const char *, const char *) { return 0; }
-
-int32_t do_verify_signature(const char *, const char *, const char *, uint32_t) { return -1; }
-
-int32_t safe_verify_whitelist_update(const char *, const char *, int32_t) { return -1; }
-
-int32_t safe_verify_switch_status(uintptr_t, uintptr_t, uintptr_t, uintptr_t) { return 0; }
