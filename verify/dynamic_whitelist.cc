@@ -57,8 +57,8 @@ bool add_line(FileIndex &index, char *line) {
         return true;
     }
     char *rest = line;
-    const char *path = index.keep(cmpnt_trim(strsep(&rest, ",")));
-    if (rest == nullptr || path == nullptr || !index.texts.add(path)) {
+    const char *path = cmpnt_trim(strsep(&rest, ","));
+    if (rest == nullptr || !index.texts.add(path)) {
         return false;
     }
     return !is_own(cmpnt_trim(strsep(&rest, ","))) || index.marked_texts.add(path);

@@ -16,9 +16,6 @@ public:
     DynamicWhitelist();
     bool has(const char *path, WhitelistMode mode);
 
-    // The service was asked to change the list.
-    void forget() { index_.forget(); }
-
 private:
     FileIndex index_;
 };

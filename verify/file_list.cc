@@ -10,15 +10,6 @@
 #include "verify/list_line.hh"
 #include "verify/verify_paths.hh"
 
-namespace {
-
-bool add_line(FileIndex &index, char *line) {
-    const char *text = index.keep(line);
-    return text != nullptr && index.texts.add(text);
-}
-
-}  // namespace
-
 FileListPath::FileListPath(const char *directory, const char *pkg_name) {
     snprintf(text, sizeof(text), "%s/%s.list", directory, pkg_name);
 }
@@ -40,7 +31,9 @@ int32_t file_exist_in_patch_list(const char *path, const char *pkg_name) {
 }
 
 CurrentFileList::CurrentFileList(const char *pkg_name)
-    : pkg_name_(pkg_name), path_(current_file_lists, pkg_name), index_(path_.text, add_line) {}
+    : pkg_name_(pkg_name),
+      path_(current_file_lists, pkg_name),
+      index_(path_.text, add_whole_line) {}
 
 bool CurrentFileList::has(const char *path) {
     return index_.is_current() ? index_.texts.contains(path)

@@ -15,11 +15,6 @@ namespace {
 // Without its signature file the list counts for nothing.
 bool counts() { return file_is_exist(global_whitelist_signature_path) != 0; }
 
-bool add_line(FileIndex &index, char *line) {
-    const char *text = index.keep(line);
-    return text != nullptr && index.texts.add(text);
-}
-
 }  // namespace
 
 // Only the length of the path is compared: a line stands for each of its beginnings.
@@ -47,11 +42,11 @@ int32_t file_exist_in_global_whitelist(const char *path) {
     return 0;
 }
 
-GlobalWhitelist::GlobalWhitelist() : index_(global_whitelist_path, add_line) {}
+GlobalWhitelist::GlobalWhitelist() : index_(global_whitelist_path, add_whole_line) {}
 
 bool GlobalWhitelist::has(const char *path) {
     if (path == nullptr || !index_.is_current()) {
         return file_exist_in_global_whitelist(path) != 0;
     }
-    return counts() && index_.texts.any_begins_with(path);
+    return counts() && index_.texts.any_has_prefix(path);
 }

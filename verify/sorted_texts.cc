@@ -1,4 +1,4 @@
-// Texts in strcmp's order: all that begin with a text stand together, behind what sorts before it.
+// Texts in strcmp's order: all of one prefix stand together, behind what sorts before it.
 #include "verify/sorted_texts.hh"
 
 #include <stdlib.h>
@@ -21,10 +21,14 @@ bool SortedTexts::add(const char *text) {
         if (grown == nullptr) {
             return false;
         }
-        texts_ = static_cast<const char **>(grown);
+        texts_ = static_cast<char **>(grown);
         capacity_ = capacity;
     }
-    texts_[count_++] = text;
+    char *copy = strdup(text);
+    if (copy == nullptr) {
+        return false;
+    }
+    texts_[count_++] = copy;
     return true;
 }
 
@@ -35,13 +39,16 @@ void SortedTexts::sort() {
 }
 
 void SortedTexts::clear() {
+    for (size_t i = 0; i < count_; i++) {
+        free(texts_[i]);
+    }
     free(texts_);
     texts_ = nullptr;
     count_ = 0;
     capacity_ = 0;
 }
 
-const char *SortedTexts::first_not_before(const char *text) const {
+const char *SortedTexts::lower_bound(const char *text) const {
     size_t low = 0;
     size_t high = count_;
     while (low < high) {
@@ -56,11 +63,11 @@ const char *SortedTexts::first_not_before(const char *text) const {
 }
 
 bool SortedTexts::contains(const char *text) const {
-    const char *found = first_not_before(text);
+    const char *found = lower_bound(text);
     return found != nullptr && strcmp(found, text) == 0;
 }
 
-bool SortedTexts::any_begins_with(const char *beginning) const {
-    const char *found = first_not_before(beginning);
-    return found != nullptr && strncmp(found, beginning, strlen(beginning)) == 0;
+bool SortedTexts::any_has_prefix(const char *prefix) const {
+    const char *found = lower_bound(prefix);
+    return found != nullptr && strncmp(found, prefix, strlen(prefix)) == 0;
 }

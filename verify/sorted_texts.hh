@@ -4,7 +4,6 @@
 
 #include <stddef.h>
 
-// Holds pointers only: the texts stay where they are.
 class SortedTexts {
 public:
     SortedTexts() = default;
@@ -12,17 +11,17 @@ public:
     SortedTexts &operator=(const SortedTexts &) = delete;
     ~SortedTexts() { clear(); }
 
-    bool add(const char *text);  // false without memory
+    bool add(const char *text);  // a copy; false without memory
     void sort();                 // once, between adding and asking
     void clear();
 
     bool contains(const char *text) const;
-    bool any_begins_with(const char *beginning) const;
+    bool any_has_prefix(const char *prefix) const;
 
 private:
-    const char *first_not_before(const char *text) const;
+    const char *lower_bound(const char *text) const;
 
-    const char **texts_ = nullptr;
+    char **texts_ = nullptr;
     size_t count_ = 0;
     size_t capacity_ = 0;
 };

@@ -19,7 +19,7 @@ protected:
 TEST_F(SortedTextsTest, HoldsNothingAtFirst) {
     texts.sort();
     EXPECT_FALSE(texts.contains(""));
-    EXPECT_FALSE(texts.any_begins_with(""));
+    EXPECT_FALSE(texts.any_has_prefix(""));
 }
 
 TEST_F(SortedTextsTest, FindsWholeTextsOnly) {
@@ -32,13 +32,13 @@ TEST_F(SortedTextsTest, FindsWholeTextsOnly) {
     }
 }
 
-TEST_F(SortedTextsTest, FindsBeginnings) {
+TEST_F(SortedTextsTest, FindsPrefixes) {
     fill({"/usr/bin/b", "/bin/a", "/usr/bin/ab"});
-    for (const char *beginning : {"", "/", "/b", "/bin/a", "/usr", "/usr/bin/a", "/usr/bin/b"}) {
-        EXPECT_TRUE(texts.any_begins_with(beginning)) << beginning;
+    for (const char *prefix : {"", "/", "/b", "/bin/a", "/usr", "/usr/bin/a", "/usr/bin/b"}) {
+        EXPECT_TRUE(texts.any_has_prefix(prefix)) << prefix;
     }
-    for (const char *beginning : {"/a", "/bin/aa", "/c", "/usr/bin/aa", "/usr/bin/bb", "0"}) {
-        EXPECT_FALSE(texts.any_begins_with(beginning)) << beginning;
+    for (const char *prefix : {"/a", "/bin/aa", "/c", "/usr/bin/aa", "/usr/bin/bb", "0"}) {
+        EXPECT_FALSE(texts.any_has_prefix(prefix)) << prefix;
     }
 }
 
@@ -54,6 +54,8 @@ TEST_F(SortedTextsTest, HoldsManyAndForgetsThem) {
     for (const std::string &text : all) {
         ASSERT_TRUE(texts.contains(text.c_str()));
     }
+    all.clear();  // they were copied
+    EXPECT_TRUE(texts.contains("/bin/1"));
     texts.clear();
     EXPECT_FALSE(texts.contains("/bin/1"));
     fill({"/bin/new"});
@@ -61,10 +63,13 @@ TEST_F(SortedTextsTest, HoldsManyAndForgetsThem) {
 }
 
 TEST_F(SortedTextsTest, SaysWhenMemoryIsOut) {
-    fault::fail("realloc", 1, ENOMEM);
-    EXPECT_FALSE(texts.add("a"));
-    EXPECT_TRUE(texts.add("b"));
-    texts.sort();
-    EXPECT_FALSE(texts.contains("a"));
-    EXPECT_TRUE(texts.contains("b"));
+    for (const char *function : {"realloc", "strdup"}) {
+        texts.clear();
+        fault::fail(function, 1, ENOMEM);
+        EXPECT_FALSE(texts.add("a"));
+        EXPECT_TRUE(texts.add("b"));
+        texts.sort();
+        EXPECT_FALSE(texts.contains("a"));
+        EXPECT_TRUE(texts.contains("b"));
+    }
 }

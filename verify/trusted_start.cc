@@ -30,14 +30,13 @@ bool is_trusted_file(const char *path) {
 int32_t send(Run &run, whitelist_change_request &request, const char *path, const char *pass) {
     snprintf(request.file_path, sizeof(request.file_path), "%s", path);
     const int32_t result = cmpnt_dynamic_whitelist_operate(run.store, &request);
-    run.whitelist.forget();
     if (result != 0) {
         CMPNT_LOG_AS(log_error, pass, "cmpnt_dynamic_whitelist_operate fail.\n");
     }
     return result;
 }
 
-// Sends a request for each trusted file of the list that is `wanted`.
+// Sends a request for each path of the list that is `wanted`.
 template <typename Wanted>
 int32_t send_files(Run &run, const char *list_path, int32_t change_status, const char *pass,
                    Wanted wanted) {
@@ -51,10 +50,7 @@ int32_t send_files(Run &run, const char *list_path, int32_t change_status, const
     request.change_status = change_status;
     ListLine line;
     while (read_list_line(list.get(), line)) {
-        if (line.text[0] == '\0') {
-            CMPNT_LOG_AS(log_trace, pass, "buf len is 0, continue.\n");
-        } else if (is_trusted_file(line.text) && wanted(line.text) &&
-                   send(run, request, line.text, pass) != 0) {
+        if (wanted(line.text) && send(run, request, line.text, pass) != 0) {
             return -1;
         }
     }
@@ -70,9 +66,15 @@ static int32_t trusted_start_whitelist_add(Run &run, const char *pkg_name) {
     if (file_is_exist(former.text) == 0) {
         return 0;
     }
+    const char *const pass = __func__;
     CurrentFileList current(pkg_name);
-    return send_files(run, former.text, status_of_added, __func__, [&](const char *path) {
-        return !current.has(path) && !run.whitelist.has(path, whitelist_any_client);
+    return send_files(run, former.text, status_of_added, pass, [&](const char *path) {
+        if (path[0] == '\0') {
+            CMPNT_LOG_AS(log_trace, pass, "buf len is 0, continue.\n");
+            return false;
+        }
+        return is_trusted_file(path) && !current.has(path) &&
+               !run.whitelist.has(path, whitelist_any_client);
     });
 }
 
@@ -81,7 +83,7 @@ static int32_t trusted_start_whitelist_delete(Run &run, const char *pkg_name) {
     const FileListPath current(current_file_lists, pkg_name);
     CMPNT_LOG(log_trace, "delete_white_list(%s)\n", current.text);
     return send_files(run, current.text, status_of_deleted, __func__, [&](const char *path) {
-        return run.whitelist.has(path, whitelist_own_entry);
+        return is_trusted_file(path) && run.whitelist.has(path, whitelist_own_entry);
     });
 }
 

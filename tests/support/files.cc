@@ -1,5 +1,6 @@
 #include "tests/support/files.hh"
 
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include <algorithm>
@@ -20,6 +21,11 @@ void write_file(const std::string &path, const std::string &text) {
     fs::create_directories(fs::path(path).parent_path());
     std::ofstream file(path, std::ios::binary | std::ios::trunc);
     file << text;
+}
+
+void set_written_long_ago(const std::string &path) {
+    const timespec times[] = {{1000, 1}, {1000, 1}};
+    utimensat(AT_FDCWD, path.c_str(), times, 0);
 }
 
 void make_directories(const std::string &path) { fs::create_directories(path); }

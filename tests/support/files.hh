@@ -11,6 +11,9 @@ std::string read_file(const std::string &path);
 // Creates or replaces the file, and its directories when missing.
 void write_file(const std::string &path, const std::string &text);
 
+// As if the file had not been written for years; links are followed.
+void set_written_long_ago(const std::string &path);
+
 void make_directories(const std::string &path);  // mkdir -p
 void remove_tree(const std::string &path);       // rm -rf
 bool exists(const std::string &path);            // lstat
