@@ -1081,10 +1081,12 @@ CMPNT_API int32_t cmpnt_check_patch_hash_value(const char *name, const char *dir
  * read and a path of 260 bytes or more. */
 CMPNT_API int32_t cmpnt_global_hash_file_verify(const char *directory);
 
-/* 1 when a line of the global whitelist begins with path, and its signature file exists; else 0. */
+/* 1 when a line of the global whitelist begins with path, and its signature file exists; else 0. The
+ * signature is checked by cmpnt_safe_verify alone. */
 CMPNT_API int32_t file_exist_in_global_whitelist(const char *path);
 
-/* 1 when the dynamic whitelist has the path; mode 0: from any client, mode 1: from this library. */
+/* 1 when the dynamic whitelist has the path; mode 0: from any client, mode 1: from this library. Else,
+ * and in other modes, 0. */
 CMPNT_API int32_t file_exist_in_dynamic_whitelist(const char *path, int32_t mode);
 
 /* Tells the verification service which files in trusted directories the saved patches changed,
@@ -1097,7 +1099,8 @@ CMPNT_API int32_t cmpnt_write_trusted_start_whitelist(uintptr_t store, uintptr_t
 /* Creates the file that switches verification on, or empties it; not its directory. */
 CMPNT_API int32_t cmpnt_enable_safe_verify(void);
 
-/* Adds the package to the saved patch list, once; does nothing while verification is off. */
+/* Adds the package to the saved patch list, once (a name of over 1022 characters each time). 0, also
+ * when it is there already, or nothing is done because verification is off; -1 on failure. */
 CMPNT_API int32_t cmpnt_save_safe_verify_patch(const char *pkg_name, uintptr_t second,
                                                uintptr_t third, uintptr_t fourth);
 
