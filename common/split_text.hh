@@ -18,6 +18,7 @@ public:
     bool is_whole() const { return is_whole_; }
     int32_t count() const { return count_; }
     const char *operator[](int32_t index) const { return pieces_[index]; }
+    char *&slot(int32_t index) { return pieces_[index]; }  // whoever takes the piece nulls it
     const char *const *begin() const { return pieces_; }
     const char *const *end() const { return pieces_ + count_; }
 

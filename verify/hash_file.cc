@@ -7,6 +7,7 @@
 #include "common/guard.hh"
 #include "common/log.hh"
 #include "common/open_stream.hh"
+#include "common/split_text.hh"
 #include "verify/hash_list.hh"
 #include "verify/list_line.hh"
 
@@ -19,22 +20,13 @@ constexpr char separators[] = "  ";
 constexpr int32_t field_limit = 16;
 enum Field { hash_field = 0, name_field = 2, required_fields = 3 };
 
-struct Fields {
-    char *texts[field_limit] = {};
-    int32_t count = 0;
-
-    Fields() = default;
-    Fields(const Fields &) = delete;
-    Fields &operator=(const Fields &) = delete;
-    ~Fields() { cmpnt_recycle_pointer_array(texts, field_limit); }
-};
+using Fields = SplitText<field_limit>;
 
 int32_t add_fields(Fields &fields, HashIndex &index) {
-    switch (
-        cmpnt_add_hash_verify_list(fields.texts[name_field], fields.texts[hash_field], &index)) {
+    switch (cmpnt_add_hash_verify_list(fields.slot(name_field), fields.slot(hash_field), &index)) {
         case HashTexts::taken:
-            fields.texts[name_field] = nullptr;
-            fields.texts[hash_field] = nullptr;
+            fields.slot(name_field) = nullptr;
+            fields.slot(hash_field) = nullptr;
             return 0;
         case HashTexts::not_taken:
             return 0;
@@ -45,13 +37,12 @@ int32_t add_fields(Fields &fields, HashIndex &index) {
 }
 
 int32_t load_entry(const char *line, HashIndex &index) {
-    Fields fields;
-    if (cmpnt_detach_install_queue(line, separators, fields.texts, &fields.count, field_limit) !=
-        0) {
+    Fields fields(line, separators);
+    if (!fields.is_whole()) {
         CMPNT_LOG_AS(log_error, loader, "cmpnt_detach_install_queue fail.\n");
         return -1;
     }
-    if (fields.count < required_fields) {
+    if (fields.count() < required_fields) {
         CMPNT_LOG_AS(log_error, loader, "hash file format err.\n");
         return -1;
     }
