@@ -2,6 +2,7 @@
 
 #include <errno.h>
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -105,6 +106,14 @@ TEST_F(FileIndexTest, SeesThatTheFileWasWrittenAtAnotherTime) {
         EXPECT_TRUE(index.is_current());
         EXPECT_EQ(fault::calls("open64"), ++reads);
     }
+}
+
+// Whoever may no longer read it is told so.
+TEST_F(FileIndexTest, SeesThatTheModeOfTheFileChanged) {
+    EXPECT_TRUE(index.is_current());
+    ASSERT_EQ(chmod(path, 0600), 0);
+    EXPECT_TRUE(index.is_current());
+    EXPECT_EQ(fault::calls("open64"), 2);
 }
 
 // What is written now may be written again at the same tick of the clock.

@@ -75,6 +75,10 @@ TEST_F(SavedPatch, MayHaveAnEmptyName) {
     EXPECT_EQ(save(""), 0);
     EXPECT_EQ(save(""), 0);
     EXPECT_EQ(read_file(saved_list), "\n");
+    const std::string zero_line("\0one\n", 5);
+    write_file(saved_list, zero_line);
+    EXPECT_EQ(save(""), 0);
+    EXPECT_EQ(read_file(saved_list), zero_line + "\n");
 }
 
 TEST_F(SavedPatch, AreNeverFoundAgainWhenTheirNamesAreTooLong) {
