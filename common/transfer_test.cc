@@ -148,6 +148,14 @@ void wait_until_sent(int receiver) {
     poll(&reader, 1, -1);
 }
 
+// Until this much has come, in however many pieces.
+void wait_until_sent(int receiver, int size) {
+    int waiting = 0;
+    while (ioctl(receiver, FIONREAD, &waiting) == 0 && waiting < size) {
+        std::this_thread::yield();
+    }
+}
+
 // What the platform's log printer does at its calls: the very moment of a retry.
 std::function<void(int)> at_message;
 int messages;
@@ -604,6 +612,7 @@ TEST_F(TransferByTcp, MovesARecordBothWays) {
 
 TEST_F(TransferByTcp, GathersARecordOfSeveralReads) {
     ends.put(bytes(20000));
+    wait_until_sent(ends.near(), 20000);
     fault::limit("read", 1, 10000);
     EXPECT_EQ(receive(ends.near(), 20000), 0);
     EXPECT_TRUE(buffer == bytes(20000));

@@ -1,7 +1,9 @@
 #include <errno.h>
 #include <fcntl.h>
+#include <linux/capability.h>
 #include <string.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <unistd.h>
 
 #include "tests/support/child.hh"
@@ -241,6 +243,26 @@ TEST_F(FileCheck, FailsForAFileThatCannotBeOpened) {
               std::vector<std::string>(
                   {std::string("error calculate_file_md5sum: open ") + path + " fail\n",
                    std::string("error file_md5_check: calculate md5sum ") + path + " fail.\n"}));
+}
+
+// Root too is refused, once it has no capability left.
+TEST_F(FileCheck, FindsAFileThatMayNotBeReadAndCannotOpenIt) {
+    ASSERT_EQ(chmod(path, 0), 0);
+    Child child([](Child &) {
+        __user_cap_header_struct header = {_LINUX_CAPABILITY_VERSION_3, 0};
+        __user_cap_data_struct none[_LINUX_CAPABILITY_U32S_3] = {};
+        if (syscall(SYS_capset, &header, none) != 0) {
+            return 1;
+        }
+        if (file_md5_check(of_abc, path) != -1) {
+            return 2;
+        }
+        return logged("SERVER_ERROR", "file_md5_check",
+                      std::string("calculate md5sum ") + path + " fail.\n")
+                   ? 0
+                   : 3;
+    });
+    EXPECT_EQ(child.wait(), 0);
 }
 
 TEST_F(FileCheck, RefusesNull) {

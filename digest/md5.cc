@@ -34,9 +34,6 @@ void md5_count(cmpnt_md5_context *context, uint32_t length) {
 }
 
 void md5_add(cmpnt_md5_context *context, const uint8_t *input, uint32_t length) {
-    if (length == 0) {
-        return;  // the input may be null then
-    }
     const uint32_t held = held_bytes(context);
     const uint32_t room = md5_block_size - held;
     md5_count(context, length);
