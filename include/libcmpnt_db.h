@@ -24,7 +24,8 @@
  *               at a time. A child that a host of several threads forks must exec before it calls
  *               the library.
  *   Platform    The library imports the device platform's functions; the program that links it
- *               brings them along (platform/platform.h in the source tree is their contract).
+ *               brings them along (<cmpnt_db/platform.h> is their contract, platform/platform.h in
+ *               the source tree; examples/host is a program to copy).
  */
 #ifndef LIBCMPNT_DB_H
 #define LIBCMPNT_DB_H
@@ -44,6 +45,16 @@
 #ifdef __cplusplus
 extern "C" {
 #endif
+
+/* The version that a program is compiled against. Within a major version, which is the number in the
+ * library's file name, functions and the layout of records stay as they are. */
+#define CMPNT_DB_VERSION_MAJOR 1
+#define CMPNT_DB_VERSION_MINOR 0
+#define CMPNT_DB_VERSION_PATCH 0
+#define CMPNT_DB_VERSION "1.0.0"
+
+/* The version of the library that is loaded, as CMPNT_DB_VERSION; a constant. Any thread. */
+CMPNT_API const char *cmpnt_db_version(void);
 
 /* Sizes of fixed buffers, in bytes, terminators included. */
 enum {
