@@ -208,7 +208,7 @@ CMPNT_API void cmpnt_free_file_name(file_name_list *record);
 CMPNT_API int32_t cmpnt_close(int32_t fd);    /* a negative fd gives -1 without a call */
 CMPNT_API int32_t cmpnt_fclose(FILE *stream); /* null gives -1 */
 CMPNT_API int32_t cmpnt_sync(void);           /* flushes all file systems; 0 */
-CMPNT_API int32_t cmpnt_fsync(int32_t fd);
+CMPNT_API int32_t cmpnt_fsync(int32_t fd);    /* flushes one file */
 
 /* Adds status flags (O_NONBLOCK ...) to the stream's descriptor. 0 also when adding them fails. */
 CMPNT_API int32_t cmpnt_set_file_nonblock(FILE *stream, uint32_t flags);
@@ -313,6 +313,7 @@ CMPNT_API int32_t cmpnt_device_is_master_mgnt(int32_t role);
 CMPNT_API int32_t cmpnt_device_is_backup_mgnt(int32_t role, int32_t flag);
 CMPNT_API int32_t cmpnt_device_is_slot_card(int32_t role, int32_t flag);
 
+/* Bits of a word, each that the mask has. Null changes nothing. */
 CMPNT_API void cmpnt_clear_bit(uint32_t *word, uint32_t mask);
 CMPNT_API void cmpnt_set_bit(uint32_t *word, uint32_t mask);
 CMPNT_API int32_t cmpnt_bit_is_change(uint32_t value, uint32_t mask); /* 1: a mask bit is missing */
@@ -324,6 +325,7 @@ CMPNT_API int32_t cmpnt_bit_is_change(uint32_t value, uint32_t mask); /* 1: a ma
  * record lock: closing any descriptor of that file in this process drops it. */
 CMPNT_API int32_t cmpnt_process_is_running(const char *lock_name);
 
+/* What a timer is added to. */
 typedef struct cmpnt_timer_context {
     void *owner;  /* the host's */
     void *master; /* handle of the host's event thread */
@@ -433,6 +435,7 @@ typedef struct cmpnt_smu_node {
     cmpnt_list_head link;
 } cmpnt_smu_node;
 
+/* The node that a link of the SMU list belongs to. */
 #define CMPNT_SMU_NODE(link_pointer)                                                               \
     ((cmpnt_smu_node *)(void *)((char *)(link_pointer)-offsetof(cmpnt_smu_node, link)))
 
@@ -622,6 +625,7 @@ typedef struct cmpnt_file_param {
     void *statement; /* sqlite3_stmt *: six parameters, stepped once a package (mode 1) */
 } cmpnt_file_param;
 
+/* Sets mode, name, second and third, and clears the statement. Null changes nothing. */
 CMPNT_API void set_file_param(cmpnt_file_param *param, int32_t mode, intptr_t name, intptr_t second,
                               intptr_t third);
 
@@ -732,6 +736,8 @@ CMPNT_API int32_t cmpnt_mkdir(const char *path);
  * opened. */
 CMPNT_API int32_t cmpnt_remove(const char *path);
 
+/* rename and chdir of the C library, with a message for a failure. The old path must exist; a link
+ * counts whatever it leads to. */
 CMPNT_API int32_t cmpnt_rename(const char *old_path, const char *new_path);
 CMPNT_API int32_t cmpnt_chdir(const char *path);
 
@@ -1073,6 +1079,7 @@ typedef struct hash_verify_list_t {
     cmpnt_list_head link;
 } hash_verify_list_t;
 
+/* The node that a link of hash_verify_list belongs to. */
 #define CMPNT_HASH_NODE(link_pointer)                                                              \
     ((hash_verify_list_t *)(void *)((char *)(link_pointer)-offsetof(hash_verify_list_t, link)))
 
