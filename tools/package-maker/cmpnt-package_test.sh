@@ -134,6 +134,14 @@ test_package() {
     tar -xOf one_1.0_armhf.deb control.tar.gz | tar -xzO ./control >control/deb
     expect 'the architecture' grep -qx 'Architecture: armhf' control/deb
 
+    "$maker" --field 'Depends: tar, gzip' --field 'Description: of one' package two_2.0.ipk tree
+    tar -xOf two_2.0.ipk control.tar.gz | tar -xzO ./control >control/fields
+    expect 'fields' is_text control/fields \
+        $'Package: two\nVersion: 2.0\nArchitecture: all\nDepends: tar, gzip\nDescription: of one\n'
+    refuses 64 "is no line 'Field: value'" --field Depends package two_3.0.ipk tree
+    refuses 64 "is no line 'Field: value'" --field $'A: b\nC: d' package two_3.0.ipk tree
+    refuses 64 '--field goes with package' --field 'A: b' sign keys/vendor.pem file signature
+
     cp -r tree later && touch -d '2001-01-01' later/usr/bin/*
     mkdir elsewhere && "$maker" package elsewhere/one_1.0-2.ipk later
     expect 'the same files make the same package' cmp one_1.0-2.ipk elsewhere/one_1.0-2.ipk
