@@ -58,6 +58,11 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/examples DESTINATION ${CMAKE_INSTALL_DOC
 install(PROGRAMS ${PROJECT_SOURCE_DIR}/tools/package-maker/cmpnt-package
     DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 if(TARGET cmpntctl)
+    # It finds the library wherever the tree lies; in Debian's place the loader does.
+    if(NOT CMPNT_DEBIAN)
+        set_target_properties(cmpntctl PROPERTIES
+            INSTALL_RPATH "$ORIGIN/../${CMAKE_INSTALL_LIBDIR}")
+    endif()
     install(TARGETS cmpntctl RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT tools)
 endif()
 file(GLOB schemas CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/tools/cmpntctl/schema/*.json)
