@@ -89,7 +89,7 @@ expect_json() {
     local found
     found=$(python3 -c 'import json, sys
 d = json.load(open(sys.argv[1]))
-print("same" if eval(sys.argv[2]) == json.loads(sys.argv[3]) else json.dumps(eval(sys.argv[2])))
+print("same" if eval(f"({sys.argv[2]})") == json.loads(sys.argv[3]) else json.dumps(eval(f"({sys.argv[2]})")))
 ' "$work/out" "$1" "$2" 2>&1)
     is "$last: $1" "$found" same
 }

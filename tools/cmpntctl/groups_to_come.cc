@@ -7,7 +7,6 @@
 
 namespace cmpntctl {
 
-CMPNTCTL_TO_COME void add_record_commands(CLI::App &, Session &) {}
 CMPNTCTL_TO_COME void add_database_commands(CLI::App &, Session &) {}
 CMPNTCTL_TO_COME void add_log_commands(CLI::App &, Session &) {}
 CMPNTCTL_TO_COME void add_verify_commands(CLI::App &, Session &) {}
