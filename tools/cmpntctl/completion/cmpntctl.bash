@@ -1,3 +1,5 @@
+# shellcheck shell=bash
+#
 # Completion of cmpntctl's commands, options and their values for bash; to be sourced, or installed as
 # /usr/share/bash-completion/completions/cmpntctl.
 #
