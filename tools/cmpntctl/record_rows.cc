@@ -120,7 +120,8 @@ public:
     }
 
     void add(sqlite3_stmt *row) {
-        json_ += json_.empty() ? "\n{" : ",\n{";
+        json_ += is_empty_ ? "\n{" : ",\n{";
+        is_empty_ = false;
         for (int i = 0; i < static_cast<int>(names_.size()); i++) {
             json_ += i == 0 ? "" : ",";
             json_ += names_[static_cast<size_t>(i)];
@@ -135,8 +136,8 @@ public:
     }
 
     // The member with all of them.
-    std::string member() const { return "\"records\": [" + json_ + "\n]"; }
-    bool empty() const { return json_.empty(); }
+    std::string take_member() { return std::move(json_ += "\n]"); }
+    bool empty() const { return is_empty_; }
 
 private:
     void add_value(sqlite3_stmt *row, int column) {
@@ -157,14 +158,15 @@ private:
     int state_column_;
     std::string state_name_;
     std::vector<std::string> names_;
-    std::string json_;
+    std::string json_ = "\"records\": [";
+    bool is_empty_ = true;
 };
 
 ExitCode code_for(bool is_empty) { return is_empty ? ExitCode::nothing : ExitCode::done; }
 
 void finish_as_json(Session &session, const char *command, const Query &query, JsonRows &rows) {
     read_rows(session, query.select, query.values, [&rows](sqlite3_stmt *row) { rows.add(row); });
-    finish_with_members(session, command, rows.member(), code_for(rows.empty()));
+    finish_with_members(session, command, rows.take_member(), code_for(rows.empty()));
 }
 
 // --- for people -------------------------------------------------------------------
@@ -264,7 +266,7 @@ void run_show(Session &session, const std::string &patch) {
         throw no_patch(patch);
     }
     if (session.json) {
-        finish_with_members(session, "show", rows.member(), ExitCode::done);
+        finish_with_members(session, "show", rows.take_member(), ExitCode::done);
         return;
     }
     Report report;

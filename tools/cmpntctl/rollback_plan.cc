@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <map>
+#include <sstream>
 
 #include "guard.hh"
 #include "libcmpnt_db.h"
@@ -211,20 +212,21 @@ bool RollbackPlan::is_empty() const {
     });
 }
 
-// A file's path is worth a line of its own: it is the answer, and long.
+// Paths and reasons are long, and the answer: they have lines of their own.
 std::string RollbackPlan::text(const Session &session) const {
-    Table table({"PACKAGE", "VERSION", "STATE", "REASON"});
+    Table table({"PACKAGE", "VERSION", "STATE"});
     for (const PackagePlan &package : packages) {
-        table.add({package.package, package.version, package.state, package.reason});
+        table.add({package.package, package.version, package.state});
     }
-    const std::string rows = table.text(session);
+    std::istringstream rows(table.text(session));
     std::string lines;
-    size_t position = 0;
-    for (size_t i = 0; i <= packages.size(); i++) {
-        const size_t end = rows.find('\n', position) + 1;
-        lines += rows.substr(position, end - position);
-        position = end;
-        lines += i == 0 ? "" : "  -> " + printable(target_of(packages[i - 1])) + "\n";
+    std::string row;
+    std::getline(rows, row);
+    lines += row + "\n";
+    for (const PackagePlan &package : packages) {
+        std::getline(rows, row);
+        lines += row + "\n  -> " + printable(target_of(package)) + "\n     (" +
+                 printable(package.reason) + ")\n";
     }
     return lines;
 }

@@ -37,7 +37,9 @@ std::string fitted(const std::string &text, size_t width) {
     if (text[0] == '/') {
         return cut_mark + text.substr(position_of(text, columns - kept));
     }
-    return text.substr(0, position_of(text, kept)) + cut_mark;
+    const size_t in_front = (kept + 1) / 2;
+    return text.substr(0, position_of(text, in_front)) + cut_mark +
+           text.substr(position_of(text, columns - (kept - in_front)));
 }
 
 size_t total(const std::vector<size_t> &widths) {

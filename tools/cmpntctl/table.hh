@@ -25,7 +25,7 @@ public:
     bool empty() const { return rows_.size() == 1; }
 
     // The headings and the rows, each line with its newline. On a terminal the widest columns are
-    // shrunk until a line fits: of paths the end is kept, of other texts the beginning.
+    // shrunk until a line fits: of paths the end is kept, of other texts (versions!) both ends.
     std::string text(const Session &session) const;
 
 private:
