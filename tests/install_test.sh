@@ -28,7 +28,7 @@ install_and_move() {
     local component
     rm -rf "$work"
     mkdir -p "$work"
-    for component in library development; do
+    for component in library development tools; do
         cmake --install "$build" --prefix "$work/first" --component "$component" >>"$work/install.log"
     done
     mv "$work/first" "$tree"
@@ -38,6 +38,15 @@ install_and_move() {
     if grep -nF -e "$build" -e "$source" -e "$work/first" "${texts[@]}"; then
         fail 'an installed file names a folder of this build'
     fi
+}
+
+tools_are_there() {
+    local file
+    for file in bin/cmpntctl bin/cmpnt-package share/cmpnt_db/cmpntctl.schema.json \
+        share/bash-completion/completions/cmpntctl; do
+        [[ -s $tree/$file ]] || fail "$file was not installed"
+    done
+    "${launcher[@]}" "$tree/bin/cmpntctl" --help >"$work/help.log" || fail 'cmpntctl does not run'
 }
 
 # expect_output TEXT PROGRAM: its last line.
@@ -83,6 +92,7 @@ by_find_package() {
 install_and_move
 [[ $(pkg-config --modversion "$pc_file") == "$(sed -nE 's/^#define CMPNT_DB_VERSION "(.*)"$/\1/p' \
     "$tree/include/libcmpnt_db.h")" ]] || fail 'header and pkg-config file are of two versions'
+tools_are_there
 by_pkg_config
 by_find_package
 echo 'four hosts were built against the installed tree, and ran'
