@@ -8,7 +8,6 @@
 namespace {
 
 const char hello[] = "/usr/bin/hello";
-const char bad_package[] = "mkdir -p usr/bin && echo sing >usr/bin/hello";
 constexpr size_t mebibyte = 1 << 20;
 
 const Texts refused = refused_file(hello, 0);
@@ -25,7 +24,7 @@ class WhitelistAttacks : public AttackTest {
 protected:
     static Attack global(const char *name, const std::string &list, int32_t result) {
         const auto change = [=] {
-            make_package(bad_package);
+            put_bad_package();
             write_white_list(list);
         };
         return {name, base_package, change, result, result == 0 ? Texts{} : refused};
@@ -33,7 +32,7 @@ protected:
 
     static Attack dynamic(const char *name, const std::string &list, const Texts &errors) {
         const auto change = [=] {
-            make_package(bad_package);
+            put_bad_package();
             write_file(dynamic_list, list);
         };
         return {name, base_package, change, errors.back() == refused.back() ? -1 : 0, errors};
@@ -72,19 +71,19 @@ TEST_F(WhitelistAttacks, WithTheSignatureOfTheList) {
         return [=] {
             write_white_list("/usr/bin/other\n");
             EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), 0);
-            make_package(bad_package);
+            put_bad_package();
             then();
         };
     };
     expect({
         {"none", base_package,
          [] {
-             make_package(bad_package);
+             put_bad_package();
              write_white_list("/usr/bin/hello\n");
              remove_tree(white_signature);
          },
          -1, refused},
-        {"none, nor a list", base_package, [] { make_package(bad_package); }, -1, refused},
+        {"none, nor a list", base_package, [] { put_bad_package(); }, -1, refused},
         {"a list that was changed after it was checked",
          base_package,
          verified([] { write_file(white_list, "/usr/bin/hello\n"); }),
@@ -100,7 +99,7 @@ TEST_F(WhitelistAttacks, WithTheSignatureOfTheList) {
          base_package,
          [] {
              EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), 0);
-             make_package(bad_package);
+             put_bad_package();
              write_file(white_list, "/usr/bin/hello\n");
              write_file(white_signature, "");
          },
@@ -144,7 +143,7 @@ TEST_F(WhitelistAttacks, WithTheServicesList) {
 TEST_F(WhitelistAttacks, WithTheServicesFile) {
     const auto put = [](const std::function<void()> &change) {
         return [=] {
-            make_package(bad_package);
+            put_bad_package();
             change();
         };
     };
