@@ -4,6 +4,7 @@
 
 #include "platform/reference/reference_platform.h"
 #include "tests/attacks/attack_table.hh"
+#include "verify/global_whitelist.hh"
 
 namespace {
 
@@ -20,6 +21,7 @@ Texts refused_after(size_t bad_lines) {
     return Texts{refused[0]} + Texts(bad_lines, no_entry()) + Texts{refused[1], refused[2]};
 }
 
+// A walk asks what it holds of the lists in memory; asked by themselves, they read their files.
 class WhitelistAttacks : public AttackTest {
 protected:
     static Attack global(const char *name, const std::string &list, int32_t result) {
@@ -27,7 +29,10 @@ protected:
             put_bad_package();
             write_white_list(list);
         };
-        return {name, base_package, change, result, result == 0 ? Texts{} : refused};
+        const auto by_itself = [=] {
+            EXPECT_EQ(file_exist_in_global_whitelist(hello), result == 0 ? 1 : 0);
+        };
+        return {name, base_package, change, result, result == 0 ? Texts{} : refused, {}, by_itself};
     }
 
     static Attack dynamic(const char *name, const std::string &list, const Texts &errors) {
@@ -35,7 +40,11 @@ protected:
             put_bad_package();
             write_file(dynamic_list, list);
         };
-        return {name, base_package, change, errors.back() == refused.back() ? -1 : 0, errors};
+        const int32_t result = errors.back() == refused.back() ? -1 : 0;
+        const auto by_itself = [=] {
+            EXPECT_EQ(file_exist_in_dynamic_whitelist(hello, 0), result == 0 ? 1 : 0);
+        };
+        return {name, base_package, change, result, errors, {}, by_itself};
     }
 };
 
