@@ -1,23 +1,13 @@
-#include <string.h>
-
 #include "db/write.hh"
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 class Delete : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
-        strcpy(request.base.package_name, "P");
-        strcpy(request.base.base_version, "B");
-        strcpy(request.record.patch_name, "N");
-        strcpy(request.record.pkg_name, "K");
-        strcpy(request.record.cur_pkg_path, "/C");
-        request.sync_id = -3;
+        create_main_tables();
     }
 
     std::string statement() {
@@ -25,20 +15,20 @@ protected:
         return statements.empty() ? "" : statements[0];
     }
 
-    cmpnt_db_request request = {};
+    cmpnt_db_request request = whole_request();
     Connection connection{main_db};
 };
 
 TEST_F(Delete, EachFormHasItsStatementOnItsTablesAndNoneOnOthers) {
     const std::string base = "delete from package_info_table where package_name = 'P'";
-    const std::string upgrade = "delete from pkg_upgrade_table where patch_name = 'N'";
-    const std::string auto_sync = "delete from auto_sync_table where patch_name = 'N'";
+    const std::string upgrade = "delete from pkg_upgrade_table where patch_name = 'n'";
+    const std::string auto_sync = "delete from auto_sync_table where patch_name = 'n'";
     const struct {
         DeleteForm form;
         std::string statements[6];  // by table
     } cases[] = {
         {DeleteForm::name, {"", base, upgrade, "", auto_sync, ""}},
-        {DeleteForm::patch_and_path, {"", "", upgrade + " and cur_pkg_path = '/C'", "", "", ""}},
+        {DeleteForm::patch_and_path, {"", "", upgrade + " and cur_pkg_path = '/p'", "", "", ""}},
         {DeleteForm::sync_id, {"", "", "", "delete from server_table where sync_id = -3", "", ""}},
     };
     for (const auto &one : cases) {
@@ -57,16 +47,16 @@ TEST_F(Delete, EachFormHasItsStatementOnItsTablesAndNoneOnOthers) {
 
 TEST_F(Delete, TakesTheRowsThatItNamesAlone) {
     sql(main_db,
-        "insert into pkg_upgrade_table(patch_name, cur_pkg_path) values('N', '/C'), ('N', '/D'), "
-        "('M', '/C')");
+        "insert into pkg_upgrade_table(patch_name, cur_pkg_path) values('n', '/p'), ('n', '/D'), "
+        "('m', '/p')");
     request.table = 2;
     EXPECT_EQ(delete_table_record_from_db(connection.db(), &request, DeleteForm::patch_and_path),
               0);
     EXPECT_EQ(sql(main_db, "select patch_name, cur_pkg_path from pkg_upgrade_table"),
-              (std::vector<SqlRow>{{"N", "/D"}, {"M", "/C"}}));
+              (std::vector<SqlRow>{{"n", "/D"}, {"m", "/p"}}));
     EXPECT_EQ(delete_table_record_from_db(connection.db(), &request, DeleteForm::name), 0);
     EXPECT_EQ(sql(main_db, "select patch_name from pkg_upgrade_table"),
-              (std::vector<SqlRow>{{"M"}}));
+              (std::vector<SqlRow>{{"m"}}));
     sql(main_db, "insert into server_table values(-3, 0), (3, 0)");
     request.table = 3;
     EXPECT_EQ(delete_table_record_from_db(connection.db(), &request, DeleteForm::sync_id), 0);

@@ -1,4 +1,5 @@
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 namespace {
@@ -222,10 +223,7 @@ class DisplayOfTables : public Display {
 protected:
     void SetUp() override {
         Display::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
+        create_main_tables();
     }
 };
 

@@ -2,23 +2,14 @@
 
 #include "db/write.hh"
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 class Exist : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
-        strcpy(request.base.package_name, "P");
-        strcpy(request.base.base_version, "B");
-        strcpy(request.record.patch_name, "N");
-        strcpy(request.record.pkg_name, "K");
-        strcpy(request.record.cur_version, "V");
-        strcpy(request.record.cur_pkg_path, "/C");
-        request.sync_id = -3;
+        create_main_tables();
     }
 
     // The test's statement, and its answer.
@@ -32,7 +23,7 @@ protected:
         return statements.empty() ? "" : statements[0];
     }
 
-    cmpnt_db_request request = {};
+    cmpnt_db_request request = whole_request();
     int32_t exists = 7;
 };
 
@@ -41,32 +32,32 @@ TEST_F(Exist, TableAndCodeChooseTheFieldsThatNameTheRow) {
     const std::string upgrade = "select *from pkg_upgrade_table where ";
     for (int32_t code = -1; code <= 27; code++) {
         EXPECT_EQ(ask(1, code), code == 18 ? base : base + " and base_version = 'B'") << code;
-        std::string key = "patch_name = 'N'";
+        std::string key = "patch_name = 'n'";
         switch (code) {
             case 9:
             case 11:
-                key = "pkg_name = 'K'";
+                key = "pkg_name = 'k'";
                 break;
             case 10:
-                key = "pkg_name = 'K' and cur_version = 'V'";
+                key = "pkg_name = 'k' and cur_version = '2'";
                 break;
             case 6:
             case 14:
-                key = "patch_name = 'N' and cur_pkg_path = '/C'";
+                key = "patch_name = 'n' and cur_pkg_path = '/p'";
                 break;
             case 2:
             case 4:
             case 7:
             case 15:
             case 25:
-                key = "patch_name = 'N' and pkg_name = 'K'";
+                key = "patch_name = 'n' and pkg_name = 'k'";
                 break;
         }
         EXPECT_EQ(ask(2, code), upgrade + key) << code;
         EXPECT_EQ(ask(3, code),
                   code == 21 || code == 22 ? "select *from server_table where sync_id = '-3'" : "")
             << code;
-        EXPECT_EQ(ask(4, code), "select *from auto_sync_table where patch_name = 'N'") << code;
+        EXPECT_EQ(ask(4, code), "select *from auto_sync_table where patch_name = 'n'") << code;
         EXPECT_EQ(ask(0, code), "") << code;
         EXPECT_EQ(ask(5, code), "") << code;
     }
@@ -75,10 +66,10 @@ TEST_F(Exist, TableAndCodeChooseTheFieldsThatNameTheRow) {
 TEST_F(Exist, IsOneForAnyNumberOfRows) {
     ask(2, 1);
     EXPECT_EQ(exists, 0);
-    sql(main_db, "insert into pkg_upgrade_table(patch_name) values('N')");
+    sql(main_db, "insert into pkg_upgrade_table(patch_name) values('n')");
     ask(2, 1);
     EXPECT_EQ(exists, 1);
-    sql(main_db, "insert into pkg_upgrade_table(patch_name) values('N')");
+    sql(main_db, "insert into pkg_upgrade_table(patch_name) values('n')");
     ask(2, 1);
     EXPECT_EQ(exists, 1);
     sql(main_db, "delete from pkg_upgrade_table");

@@ -2,6 +2,7 @@
 
 #include "db/write.hh"
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 namespace {
@@ -21,10 +22,7 @@ class Insert : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
+        create_main_tables();
     }
 
     // Inserts the request into this table, and returns the statement.
@@ -34,24 +32,6 @@ protected:
         EXPECT_EQ(insert_pkg_info_table(connection.db(), &request, mode), 0);
         const std::vector<std::string> statements = connection.statements();
         return statements.empty() ? "" : statements[0];
-    }
-
-    void fill_record() {
-        cmpnt_pkg_record &row = request.record;
-        set_upgrade_db_value(&row, "n", "k", "/p", "2", "1", 4, -1, 6, 7, "d");
-        strcpy(row.patch_ver, "v");
-        strcpy(row.patch_id, "i");
-        strcpy(row.effective_time, "t");
-        strcpy(row.last_patch, "l");
-        row.patch_size = 8;
-        row.patch_type = 9;
-        row.patch_order = 10;
-        strcpy(row.hotpatch_file, "hf");
-        strcpy(row.hotpatch_target, "ht");
-        strcpy(row.hotpatch_target_path, "hp");
-        strcpy(row.hotpatch_target_pkg_path, "hk");
-        strcpy(row.hotpatch_target_md5, "hm");
-        strcpy(row.hotpatch_target_strip_md5, "hs");
     }
 
     cmpnt_db_request request = {};
@@ -67,7 +47,7 @@ TEST_F(Insert, WritesABasePackageWithoutItsCurrentVersion) {
 }
 
 TEST_F(Insert, WritesAllColumnsOfAnUpgradeRecordInTheirOrder) {
-    fill_record();
+    request = whole_request();
     const SqlRow row = {"n", "k", "/p", "2", "1",  "4",  "-1", "6",  "7",  "d",  "v", "i",
                         "t", "l", "8",  "9", "10", "hf", "ht", "hp", "hk", "hm", "hs"};
     for (const auto &[table, name] :

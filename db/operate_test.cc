@@ -4,6 +4,7 @@
 #include "db/write.hh"
 #include "tests/support/child.hh"
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 namespace {
@@ -21,11 +22,8 @@ class Operate : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
+        create_main_tables();
         make_directories("/data/cmpnt/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
     }
 
     // A record of pkg_upgrade_table, and an operation on it.

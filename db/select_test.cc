@@ -1,6 +1,7 @@
 #include "db/select.hh"
 
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 #include "tests/support/upgrade_records.hh"
 
@@ -15,10 +16,7 @@ class SelectTest : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            ASSERT_EQ(cmpnt_create_pkg_table(table, CMPNT_DB_MAIN), 0);
-        }
+        create_main_tables();
     }
 
     // In the upgrade table: one row that each mode takes.

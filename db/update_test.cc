@@ -1,35 +1,13 @@
-#include <string.h>
-
 #include "db/write.hh"
 #include "tests/support/device_test.hh"
+#include "tests/support/main_tables.hh"
 #include "tests/support/sqlite.hh"
 
 class Update : public DeviceTest {
 protected:
     void SetUp() override {
         DeviceTest::SetUp();
-        make_directories("/var/lib/opkg");
-        for (int32_t table : {1, 2, 3, 4}) {
-            cmpnt_create_pkg_table(table, CMPNT_DB_MAIN);
-        }
-        set_base_db_value(&request.base, "P", "B", "C", 4, 1, 2);
-        set_upgrade_db_value(&request.record, "n", "k", "/p", "2", "1", 4, -1, 6, 7, "d");
-        cmpnt_pkg_record &row = request.record;
-        strcpy(row.patch_ver, "v");
-        strcpy(row.patch_id, "i");
-        strcpy(row.effective_time, "t");
-        strcpy(row.last_patch, "l");
-        row.patch_size = 8;
-        row.patch_type = 9;
-        row.patch_order = 10;
-        strcpy(row.hotpatch_file, "hf");
-        strcpy(row.hotpatch_target, "ht");
-        strcpy(row.hotpatch_target_path, "hp");
-        strcpy(row.hotpatch_target_pkg_path, "hk");
-        strcpy(row.hotpatch_target_md5, "hm");
-        strcpy(row.hotpatch_target_strip_md5, "hs");
-        request.sync_id = 11;
-        request.sync_flag = 1;
+        create_main_tables();
     }
 
     int32_t update(int32_t table, UpdateForm form) {
@@ -45,7 +23,7 @@ protected:
         return statements.empty() ? "" : statements[0];
     }
 
-    cmpnt_db_request request = {};
+    cmpnt_db_request request = whole_request();
     Connection connection{main_db};
 };
 
@@ -79,7 +57,7 @@ TEST_F(Update, EachFormHasItsStatementOnItsTablesAndNoneOnOthers) {
          {"", "", upgrade + "op_flag = 7" + of_package_in_patch, "", ""}},
         {UpdateForm::card_id_of_all, {"", "", upgrade + "card_id = -1", "", ""}},
         {UpdateForm::sync_flag,
-         {"", "", "", "update server_table set sync_flag = 1 where sync_id = '11'", ""}},
+         {"", "", "", "update server_table set sync_flag = 1 where sync_id = '-3'", ""}},
         {UpdateForm::effective_time, {"", "", upgrade + "effective_time = 't'" + of_patch, "", ""}},
         {UpdateForm::last_patch, {"", "", upgrade + "last_patch = 'l'" + of_patch, "", ""}},
         {UpdateForm::target_pkg_path,

@@ -24,14 +24,23 @@ inline void list_unlink(cmpnt_list_head *link) {
     list_make_empty(link);
 }
 
+template <class Node>
+const Node *node_of(const cmpnt_list_head *link) {
+    return reinterpret_cast<const Node *>(reinterpret_cast<const char *>(link) -
+                                          offsetof(Node, link));
+}
+
+template <class Node>
+const Node *node_or_null(const cmpnt_list_head *link) {
+    return link != nullptr ? node_of<Node>(link) : nullptr;
+}
+
 inline const cmpnt_upgrade_node *upgrade_node_of(const cmpnt_list_head *link) {
-    return reinterpret_cast<const cmpnt_upgrade_node *>(reinterpret_cast<const char *>(link) -
-                                                        offsetof(cmpnt_upgrade_node, link));
+    return node_of<cmpnt_upgrade_node>(link);
 }
 
 inline const cmpnt_smu_node *smu_node_of(const cmpnt_list_head *link) {
-    return reinterpret_cast<const cmpnt_smu_node *>(reinterpret_cast<const char *>(link) -
-                                                    offsetof(cmpnt_smu_node, link));
+    return node_of<cmpnt_smu_node>(link);
 }
 
 // for (const cmpnt_upgrade_value &value : UpgradeRecords(&cmpnt_upgrade_list)): the records of a list

@@ -37,7 +37,7 @@ private:
                                             std::string(90, 'n')};
         std::string text = stems[pick(8)];
         for (unsigned letters = pick(3); letters > 0; letters--) {
-            text += static_cast<char>('a' + pick(3));
+            text += static_cast<char>('a' + pick(26));
         }
         return text;
     }
@@ -129,7 +129,7 @@ TEST_P(NameIndexTest, AnswersTheSameWithoutMemory) {
             RecordSource records(7);
             NameIndex index(&cmpnt_upgrade_list, GetParam());
             int allocations = 0;
-            for (int i = 0; i < 300; i++) {
+            for (int i = 0; i < 500; i++) {
                 const cmpnt_upgrade_node *node = append(records.next());
                 const int before = fault::calls("calloc");
                 if (allocations < call) {

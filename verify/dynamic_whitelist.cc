@@ -7,6 +7,7 @@
 #include "common/guard.hh"
 #include "common/log.hh"
 #include "common/open_stream.hh"
+#include "common/split_text.hh"
 #include "verify/list_line.hh"
 #include "verify/verify_paths.hh"
 
@@ -36,19 +37,16 @@ Answer ask_line(const char *line, const char *path, int32_t mode) {
     if (line[0] == '\0') {
         return Answer::go_on;
     }
-    char *fields[field_limit];
-    int32_t count = 0;
-    Answer answer = Answer::go_on;
-    if (cmpnt_detach_install_queue(line, ",", fields, &count, field_limit) != 0) {
+    const SplitText<field_limit> fields(line, ",");
+    if (!fields.is_whole()) {
         CMPNT_LOG_AS(log_error, reader, "cmpnt_detach_install_queue fail.\n");
-        answer = Answer::no;
-    } else if (count < 2) {
-        CMPNT_LOG_AS(log_error, reader, "dynamic whitelist format err.\n");
-    } else {
-        answer = match(path, mode, fields[0], fields[1]);
+        return Answer::no;
     }
-    cmpnt_recycle_pointer_array(fields, count);
-    return answer;
+    if (fields.count() < 2) {
+        CMPNT_LOG_AS(log_error, reader, "dynamic whitelist format err.\n");
+        return Answer::go_on;
+    }
+    return match(path, mode, fields[0], fields[1]);
 }
 
 // A line that is complained about has to be met again by each question.

@@ -1,6 +1,7 @@
 // The list of the digests that signed hash lists give.
 #include "verify/hash_list.hh"
 
+#include <stdint.h>
 #include <string.h>
 
 #include "common/log.hh"
@@ -8,56 +9,31 @@
 
 namespace {
 
-constexpr size_t walked_nodes = 8;  // a walk over so few is no slower
+const void *name_of(const cmpnt_list_head *link) { return node_of<hash_verify_list_t>(link)->name; }
 
-const hash_verify_list_t *first_of_name(const char *name) {
-    for (cmpnt_list_head *link = hash_verify_list.next; link != &hash_verify_list;
-         link = link->next) {
-        const hash_verify_list_t *node = CMPNT_HASH_NODE(link);
-        if (strcmp(node->name, name) == 0) {
-            return node;
-        }
-    }
-    return nullptr;
+uint32_t hash_name(const void *name) {
+    return hash_text(static_cast<const char *>(name), SIZE_MAX);
 }
+
+bool is_same_name(const void *a, const void *b) {
+    return strcmp(static_cast<const char *>(a), static_cast<const char *>(b)) == 0;
+}
+
+constexpr ListKey by_name = {name_of, hash_name, is_same_name};
 
 }  // namespace
 
-HashIndex::HashIndex() {
-    for (const cmpnt_list_head *link = hash_verify_list.next; link != &hash_verify_list;
-         link = link->next) {
-        nodes_++;
-    }
-    if (nodes_ > walked_nodes) {
-        build();
-    }
-}
+HashIndex::HashIndex() : index_(&hash_verify_list, by_name) {}
 
 const hash_verify_list_t *HashIndex::find(const char *name) const {
-    return walks_ || !is_built_ ? first_of_name(name)
-                                : static_cast<const hash_verify_list_t *>(names_.find(name));
-}
-
-void HashIndex::add(const hash_verify_list_t *node) {
-    nodes_++;
-    if (is_built_) {
-        walks_ = walks_ || !names_.add(node->name, node);
-    } else if (nodes_ > walked_nodes) {
-        build();
-    }
-}
-
-void HashIndex::build() {
-    is_built_ = true;
-    for (cmpnt_list_head *link = hash_verify_list.next; link != &hash_verify_list && !walks_;
-         link = link->next) {
-        const hash_verify_list_t *node = CMPNT_HASH_NODE(link);
-        walks_ = !names_.add(node->name, node);
-    }
+    return node_or_null<hash_verify_list_t>(index_.find(name));
 }
 
 const hash_verify_list_t *find_hash(const HashIndex *index, const char *name) {
-    return index != nullptr ? index->find(name) : first_of_name(name);
+    if (index != nullptr) {
+        return index->find(name);
+    }
+    return node_or_null<hash_verify_list_t>(first_of_name(&hash_verify_list, by_name, name));
 }
 
 static hash_verify_list_t *malloc_hash_node() {

@@ -2,12 +2,9 @@
 #ifndef CMPNT_VERIFY_HASH_LIST_HH
 #define CMPNT_VERIFY_HASH_LIST_HH
 
-#include "libcmpnt_db.h"
-#include "verify/name_table.hh"
+#include "list/list_index.hh"
 
-// The digests by name, for the time of one load or walk: the answers of a walk from the head without
-// the walk. While it lives, digests are only appended to the list, and each is told to it. A short
-// list is walked and costs no memory; when memory is out, any list is.
+// The digests by name.
 class HashIndex {
 public:
     HashIndex();
@@ -15,15 +12,10 @@ public:
     const hash_verify_list_t *find(const char *name) const;
 
     // The node was appended to the list.
-    void add(const hash_verify_list_t *node);
+    void add(const hash_verify_list_t *node) { index_.add(&node->link); }
 
 private:
-    void build();
-
-    NameTable names_;
-    size_t nodes_ = 0;    // in the list
-    bool walks_ = false;  // for good: memory was out
-    bool is_built_ = false;
+    ListIndex index_;
 };
 
 // The first digest listed for the name, by the index or, when that is null, by a walk.

@@ -132,7 +132,7 @@ Texts changes_between(const Snapshot &before, const Snapshot &after) {
 }
 
 Texts errors_said() {
-    const Texts errors = errors_traced();
+    Texts errors = errors_traced();
     EXPECT_EQ(errors_in_system_log(), errors);
     return errors;
 }

@@ -121,24 +121,18 @@ TEST_F(HashListAttacks, WithLongLines) {
 TEST_F(HashListAttacks, WithZeroBytes) {
     const std::string zero(1, '\0');
     const std::string line = list_line(package_text, fix1);
+    const std::string named = digest() + "  " + fix1;
+    const auto row = [](const char *name, const std::string &text, const Texts &errors) {
+        return Attack{name, patch_package, lines(text), errors.empty() ? 0 : -1, errors};
+    };
     expect({
-        {"before the good line", patch_package, lines(zero + line + line), 0, {}},
-        {"a line of them", patch_package, lines(std::string(100, '\0') + "\n" + line), 0, {}},
-        {"in the digest", patch_package,
-         lines(digest().substr(0, 10) + zero + digest().substr(11) + "  " + fix1 + "\n"), -1,
-         format},
-        {"behind the name", patch_package, lines(digest() + "  " + fix1 + zero + "x\n"), -1,
-         unlisted(fix1)},
-        {"behind a letter more",
-         patch_package,
-         lines(digest() + "  " + fix1 + "x" + zero + "\n"),
-         0,
-         {}},
-        {"a mebibyte of them",
-         patch_package,
-         lines(std::string(mebibyte, '\0') + "\n" + line),
-         0,
-         {}},
+        row("before the good line", zero + line + line, {}),
+        row("a line of them", std::string(100, '\0') + "\n" + line, {}),
+        row("in the digest",
+            digest().substr(0, 10) + zero + digest().substr(11) + "  " + fix1 + "\n", format),
+        row("behind the name", named + zero + "x\n", unlisted(fix1)),
+        row("behind a letter more", named + "x" + zero + "\n", {}),
+        row("a mebibyte of them", std::string(mebibyte, '\0') + "\n" + line, {}),
     });
 }
 

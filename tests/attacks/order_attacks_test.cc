@@ -29,8 +29,6 @@ void make_bad_patch() {
     write_patch_list(list_line(second_text, "bye.deb") + "x\n", "/data/smu_bye");
 }
 
-void make_bad_package() { make_package("mkdir -p usr/bin && echo sing >usr/bin/hello"); }
-
 // Installs nothing that the list knows.
 void make_other_package() { make_package("mkdir -p usr/bin && echo other >usr/bin/other"); }
 
@@ -161,7 +159,7 @@ TEST_F(OrderAttacks, AfterAListThatCouldNotBeLoaded) {
          [=] {
              EXPECT_EQ(verify(base_package), 0);
              fail();
-             make_bad_package();
+             put_bad_package();
          },
          0,
          {},
@@ -173,14 +171,14 @@ TEST_F(OrderAttacks, AfterAListThatCouldNotBeLoaded) {
         {"a bad base package, with the list not yet loaded", base_package,
          [=] {
              fail();
-             make_bad_package();
+             put_bad_package();
          },
          -1, refused_file("/usr/bin/hello", 0)},
         {"a bad base package, after the digests were freed",
          base_package,
          [] {
              EXPECT_EQ(verify(base_package), 0);
-             make_bad_package();
+             put_bad_package();
              cmpnt_free_sign_verify();
          },
          0,
@@ -193,7 +191,7 @@ TEST_F(OrderAttacks, AfterAListThatCouldNotBeLoaded) {
 TEST_F(OrderAttacks, OfBasePackages) {
     const auto fail = [] {
         const std::string good = read_file(base_package);
-        make_bad_package();
+        put_bad_package();
         EXPECT_EQ(verify(base_package), -1);
         EXPECT_TRUE(exists(scratch_folder));
         write_file(base_package, good);

@@ -242,7 +242,7 @@ TEST_F(SignatureAttacks, ThatAreNone) {
          [] {
              write_file(global_list, read_file(patch_list));
              write_file(global_signature, read_file(patch_signature));
-             make_package("mkdir -p usr/bin && echo sing >usr/bin/hello");
+             put_bad_package();
          },
          0,
          {}},

@@ -23,6 +23,11 @@ std::string make_good_package() {
     return read_file(base_package);
 }
 
+std::string make_bad_package() {
+    make_package("mkdir -p usr/bin && echo sing >usr/bin/hello");
+    return read_file(base_package);
+}
+
 }  // namespace
 
 const signing::KeyPair &vendor_key() {
@@ -56,6 +61,11 @@ void lay_out_device() {
     write_file(patch_file, patch_text);
     write_patch_list(good_patch_list());
     write_file("/opt/canary/bin/hello", "sings\n");
+}
+
+void put_bad_package() {
+    static const std::string bad_package = make_bad_package();
+    write_file(base_package, bad_package);
 }
 
 std::string list_line(const std::string &text, const std::string &name) {

@@ -46,6 +46,9 @@ void lay_out_device();
 // "DIGEST  NAME", and its newline.
 std::string list_line(const std::string &text, const std::string &name);
 
+// Instead of the good base package one whose "/usr/bin/hello" is another.
+void put_bad_package();
+
 // The lists of the good device, to add to.
 std::string good_global_list();
 std::string good_patch_list();

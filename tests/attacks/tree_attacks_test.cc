@@ -284,7 +284,7 @@ TEST_F(TreeAttacks, WithADeepTreeElsewhere) {
     not_empty(scratch_folder);
     const auto then = [] {
         EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), 0);
-        make_package("mkdir -p usr/bin && echo sing >usr/bin/hello");
+        put_bad_package();
         EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), -1);
     };
     expect({{"300 levels",

@@ -4,11 +4,11 @@
 
 #include "platform/reference/reference_platform.h"
 #include "tests/attacks/attack_table.hh"
+#include "verify/global_whitelist.hh"
 
 namespace {
 
 const char hello[] = "/usr/bin/hello";
-const char bad_package[] = "mkdir -p usr/bin && echo sing >usr/bin/hello";
 constexpr size_t mebibyte = 1 << 20;
 
 const Texts refused = refused_file(hello, 0);
@@ -21,22 +21,30 @@ Texts refused_after(size_t bad_lines) {
     return Texts{refused[0]} + Texts(bad_lines, no_entry()) + Texts{refused[1], refused[2]};
 }
 
+// A walk asks what it holds of the lists in memory; asked by themselves, they read their files.
 class WhitelistAttacks : public AttackTest {
 protected:
     static Attack global(const char *name, const std::string &list, int32_t result) {
         const auto change = [=] {
-            make_package(bad_package);
+            put_bad_package();
             write_white_list(list);
         };
-        return {name, base_package, change, result, result == 0 ? Texts{} : refused};
+        const auto by_itself = [=] {
+            EXPECT_EQ(file_exist_in_global_whitelist(hello), result == 0 ? 1 : 0);
+        };
+        return {name, base_package, change, result, result == 0 ? Texts{} : refused, {}, by_itself};
     }
 
     static Attack dynamic(const char *name, const std::string &list, const Texts &errors) {
         const auto change = [=] {
-            make_package(bad_package);
+            put_bad_package();
             write_file(dynamic_list, list);
         };
-        return {name, base_package, change, errors.back() == refused.back() ? -1 : 0, errors};
+        const int32_t result = errors.back() == refused.back() ? -1 : 0;
+        const auto by_itself = [=] {
+            EXPECT_EQ(file_exist_in_dynamic_whitelist(hello, 0), result == 0 ? 1 : 0);
+        };
+        return {name, base_package, change, result, errors, {}, by_itself};
     }
 };
 
@@ -72,19 +80,19 @@ TEST_F(WhitelistAttacks, WithTheSignatureOfTheList) {
         return [=] {
             write_white_list("/usr/bin/other\n");
             EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), 0);
-            make_package(bad_package);
+            put_bad_package();
             then();
         };
     };
     expect({
         {"none", base_package,
          [] {
-             make_package(bad_package);
+             put_bad_package();
              write_white_list("/usr/bin/hello\n");
              remove_tree(white_signature);
          },
          -1, refused},
-        {"none, nor a list", base_package, [] { make_package(bad_package); }, -1, refused},
+        {"none, nor a list", base_package, [] { put_bad_package(); }, -1, refused},
         {"a list that was changed after it was checked",
          base_package,
          verified([] { write_file(white_list, "/usr/bin/hello\n"); }),
@@ -100,7 +108,7 @@ TEST_F(WhitelistAttacks, WithTheSignatureOfTheList) {
          base_package,
          [] {
              EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), 0);
-             make_package(bad_package);
+             put_bad_package();
              write_file(white_list, "/usr/bin/hello\n");
              write_file(white_signature, "");
          },
@@ -144,7 +152,7 @@ TEST_F(WhitelistAttacks, WithTheServicesList) {
 TEST_F(WhitelistAttacks, WithTheServicesFile) {
     const auto put = [](const std::function<void()> &change) {
         return [=] {
-            make_package(bad_package);
+            put_bad_package();
             change();
         };
     };

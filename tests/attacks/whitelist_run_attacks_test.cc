@@ -256,7 +256,7 @@ TEST_F(WhitelistRunAttacks, WhoseListsAreNoFiles) {
 // What a run enters, the next package profits from.
 TEST_F(WhitelistRunAttacks, LetAFilePass) {
     lay_out_device();
-    make_package("mkdir -p usr/bin && echo sing >usr/bin/hello");
+    put_bad_package();
     EXPECT_EQ(cmpnt_safe_verify(base_package, 0, 0, 0), -1);
     EXPECT_EQ(cmpnt_save_safe_verify_patch("hello", 0, 0, 0), 0);
     write_file(former_list, "/usr/bin/hello\n");
