@@ -30,6 +30,12 @@ void add_line(Explanation &explanation, const std::string &heading, const std::s
                         std::string(heading_width - heading.size(), ' ') + printable(text) + "\n";
 }
 
+void add_lines(Explanation &explanation, const std::vector<std::string> &texts) {
+    for (const std::string &text : texts) {
+        add_line(explanation, "", "  " + text);
+    }
+}
+
 std::string counted(size_t count, const char *what) {
     return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
@@ -134,11 +140,11 @@ void explain_files(Explanation &explanation, const std::string &package, const D
             add_line(explanation, file_class.heading,
                      counted(members.size(), "file") + " " + file_class.meaning);
         }
+        if (strcmp(file_class.member, "refused") == 0) {
+            add_lines(explanation, members);
+        }
     }
     data["refused_files"] = files["refused"];
-    for (const std::string &file : files["refused"]) {
-        add_line(explanation, "", "  " + file);
-    }
     explanation.data["files"] = data;
 }
 
