@@ -2,6 +2,7 @@
 #
 # The command line itself: help, version, wrong usage, the lock.
 
+# shellcheck source=tests/cmpntctl/lib.sh
 . "${BASH_SOURCE[0]%/*}/lib.sh" "$@"
 
 expect_exit 0 --help
@@ -29,8 +30,9 @@ expect_exit 64 show
 help_of() {
     expect_exit 0 "$@" --help
     expect_out 'Example:'
-    local command
-    for command in $(sed -n '/^Subcommands:/,/^[^ S]/s/^  \([a-z0-9-]*\) .*/\1/p' <<<"$out"); do
+    local command commands
+    mapfile -t commands < <(sed -n '/^Subcommands:/,/^[^ S]/s/^  \([a-z0-9-]*\) .*/\1/p' <<<"$out")
+    for command in "${commands[@]}"; do
         help_of "$@" "$command"
     done
 }

@@ -25,7 +25,9 @@ readonly tests_folder
 readonly schema=$tests_folder/../../tools/cmpntctl/schema/cmpntctl.schema.json
 # Under /opt, which no command touches by itself.
 readonly work=/opt/cmpntctl-test
+# shellcheck disable=SC2034 # for the tests
 readonly main_db=/var/lib/opkg/cmpnt_upgrade.db3
+# shellcheck disable=SC2034 # for the tests
 readonly backup_db=/data/cmpnt/opkg/cmpnt_upgrade_backup.db3
 readonly lock_file=/tmp/.cmpnt_db_lock
 

@@ -2,6 +2,7 @@
 #
 # list, show, packages, record and init.
 
+# shellcheck source=tests/cmpntctl/lib.sh
 . "${BASH_SOURCE[0]%/*}/lib.sh" "$@"
 
 sql() {
@@ -82,6 +83,7 @@ expect_json 'd["records"][0]["effective_time"]' '""'
 # --- the guard ------------------------------------------------------------------------
 
 before=$(tree)
+# shellcheck disable=SC2016 # not to be expanded
 for name in "x'y" 'x y' '$(reboot)' '-x' '~x' 'x;y' '' "$(printf '%080d' 1)"; do
     expect_exit 64 record add smu_1 --file /a -- "$name" 1
     expect_exit 64 record state -- "$name" active

@@ -2,6 +2,7 @@
 #
 # plan rollback and rollback.
 
+# shellcheck source=tests/cmpntctl/lib.sh
 . "${BASH_SOURCE[0]%/*}/lib.sh" "$@"
 
 readonly download=/data/cmpnt/opkg/download installed=/opt/packages
