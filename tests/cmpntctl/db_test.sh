@@ -85,7 +85,7 @@ finds() {
 }
 
 : >"$backup_db"
-finds 4 '[["backup", "empty", "damage"], ["backup", "backup", "note"]]'
+finds 4 '[["backup", "empty", "damage"]]'
 expect_exit 4 db check --quick
 expect_out 'backup: the file has 0 bytes'
 expect_out 'Next: cmpntctl db backup'
@@ -110,7 +110,7 @@ finds 0 '[["server", "empty", "warning"], ["auto-sync", "missing", "note"]]'
 
 new_device
 echo 'this is no database, but long enough to be one' >"$main_db"
-finds 4 '[["main", "format", "damage"], ["backup", "backup", "note"]]'
+finds 4 '[["main", "format", "damage"]]'
 
 new_device
 python3 -c 'import sys
@@ -122,7 +122,7 @@ expect_json '"integrity" in [f["kind"] for f in d["findings"]]' true
 
 new_device
 sql "$backup_db" 'drop table package_info_table'
-finds 4 '[["backup", "table", "damage"], ["backup", "backup", "note"]]'
+finds 4 '[["backup", "table", "damage"]]'
 new_device
 sql "$auto_sync_db" 'alter table auto_sync_table rename column card_id to card'
 finds 4 '[["auto-sync", "column", "damage"]]'
@@ -181,7 +181,7 @@ new_device
 leave_journal
 is 'a journal is there' "$(test -s "$main_db-journal" && echo yes)" yes
 before=$(files)
-finds 4 '[["main", "journal", "damage"], ["backup", "backup", "note"]]'
+finds 4 '[["main", "journal", "damage"]]'
 expect_json 'd["files"][0]["contents_checked"]' false
 is 'the journal is left alone' "$(files)" "$before"
 expect_exit 4 db check
@@ -197,7 +197,7 @@ new_device
 sql "$main_db" 'pragma journal_mode = wal' >/dev/null
 rm -f "$main_db"-*
 before=$(files)
-finds 4 '[["main", "format", "damage"], ["backup", "backup", "note"]]'
+finds 4 '[["main", "format", "damage"]]'
 is 'write-ahead files are not made' "$(files)" "$before"
 
 # --- backup -----------------------------------------------------------------
@@ -231,6 +231,15 @@ expect_exit 0 db backup
 expect_out 'Rolled back'
 is 'rolled back' "$(sql "$backup_db" 'select count(*), max(pkg_state) from pkg_upgrade_table')" '3|14'
 expect_exit 0 db check
+
+# Rows that are wrong do not keep a copy from being made, either way.
+new_device
+upgrade smu_1 bash 77
+expect_exit 4 db check
+expect_out 'Next: put the rows right'
+expect_exit 0 db backup
+rm "$main_db"
+expect_exit 0 db restore --yes
 
 new_device
 rm -rf /data/cmpnt/opkg
@@ -279,6 +288,7 @@ for spoil in ': >"$backup_db"' 'echo no database at all here >"$backup_db"' \
     eval "$spoil"
     expect_exit 4 db restore --yes
     expect_err 'Main is as it was.'
+    expect_exit 4 db restore # nobody is asked
     is "main outlives: $spoil" "$(md5sum "$main_db")" "$before"
     rm -f "$backup_db-journal"
 done

@@ -169,17 +169,19 @@ expect_exit 2 history --json
 expect_json 'd["entries"]' '[]'
 is 'asking makes no file' "$(ls "$history" 2>/dev/null)" ''
 
-# What fails is recorded as well; queries are not.
+# What fails is recorded as well; what was not begun is not, nor are queries.
 expect_exit 2 db backup
-expect_exit 2 db check
+mkdir -p /var/lib/opkg && : >"$main_db"
+expect_exit 4 db backup
+expect_exit 4 db check
 expect_exit 0 history --json
-expect_json '[[e["operation"], e["code"]] for e in d["entries"]]' '[["db backup", 2]]'
+expect_json '[[e["operation"], e["code"]] for e in d["entries"]]' '[["db backup", 4]]'
 expect_exit 0 history --operation 'db backup'
 expect_exit 2 history --operation rollback
 
 # A torn line, and one of something else.
 printf 'no JSON\n{"operation": "torn' >>"$history"
-expect_exit 2 db backup
+expect_exit 4 db backup
 expect_exit 0 history --json
 expect_json 'len(d["entries"])' 2
 expect_exit 0 history --lines 1 --json
@@ -187,7 +189,7 @@ expect_json 'len(d["entries"])' 1
 
 # A full file makes room, and its lines are still listed.
 python3 -c 'print("{\"operation\": \"old\"}\n" * 14000)' >"$history"
-expect_exit 2 db backup
+expect_exit 4 db backup
 is 'a file with room' "$(wc -l <"$history")" 1
 expect_exit 0 history --lines 0
 expect_out old
@@ -195,10 +197,10 @@ expect_out 'db backup'
 
 # A history that cannot be written fails nothing.
 rm -f "$history"* && mkdir "$history"
-expect_exit 2 db backup
+expect_exit 4 db backup
 expect_exit 2 history
 rmdir "$history" && mkfifo "$history"
-expect_exit 2 db backup
+expect_exit 4 db backup
 rm "$history"
 
 finish_tests

@@ -59,12 +59,11 @@ void compare_backup(Check &check, Depth depth) {
     }
     const bool equal = files_are_equal(check.main().file.path, check.copy().file.path);
     check.backup = equal ? Backup::equal : Backup::different;
-    if (equal) {
+    if (equal || !check.main().is_usable() || !check.copy().is_usable()) {
         return;
     }
     const size_t found_before = check.copy().findings.size();
-    if (depth == Depth::deep && check.main().was_read && check.copy().was_read &&
-        !check.main().is_damaged() && !check.copy().is_damaged()) {
+    if (depth == Depth::deep) {
         compare_rows(check);
     }
     if (check.copy().findings.size() == found_before) {
@@ -109,11 +108,14 @@ std::string verdict(const Inspection &found) {
 
 // What helps, by what is left that is good.
 std::string advice(Check &check) {
-    const bool has_backup = check.copy().is_present && !check.copy().is_damaged();
+    const bool has_backup = check.copy().is_present && check.copy().is_usable();
+    if (check.main().is_damaged() && check.main().is_usable()) {
+        return "Next: put the rows right with cmpntctl record, or delete and add them again.\n";
+    }
     if (!check.main().is_damaged()) {
-        return check.copy().is_damaged()
+        return !check.copy().is_usable()
                    ? "Next: cmpntctl db backup   # main is good: copy it again\n"
-                   : "Next: make the damaged file anew; main and backup are not concerned.\n";
+                   : "Next: see to the file that is named; main is good.\n";
     }
     const auto &findings = check.main().findings;
     const bool has_journal = std::any_of(findings.begin(), findings.end(), [](const Finding &one) {

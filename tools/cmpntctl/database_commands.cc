@@ -24,14 +24,16 @@ Report lock_status(bool check) {
     return report;
 }
 
-// Done or failed, what changes the files is recorded.
+// Done or failed, it is recorded; not what was never begun.
 void run_and_record(Session &session, const char *command, Report (*run)(const Session &)) {
     try {
         const Report report = run(session);
         record_history(command, report.data, report.code);
         finish(session, command, report);
     } catch (const Failure &failure) {
-        record_history(command, {{"failure", failure.what()}}, failure.code());
+        if (failure.code() == ExitCode::failed || failure.code() == ExitCode::damaged) {
+            record_history(command, {{"failure", failure.what()}}, failure.code());
+        }
         throw;
     }
 }
@@ -40,8 +42,7 @@ void add_check(CLI::App &db, Session &session) {
     CLI::App *check = db.add_subcommand("check", "Tell whether the database files are damaged");
     auto quick = std::make_shared<bool>(false);
     check->add_flag("--quick", *quick,
-                    "Leave out what compares rows with each other, with the backup and with the "
-                    "package files");
+                    "Leave out duplicate rows, the rows of the backup and the package files");
     check->footer(
         "Looks at the main file, its backup, the server and the auto-sync file, and changes\n"
         "nothing: file there and not empty, journal, SQLite's integrity check, tables and "

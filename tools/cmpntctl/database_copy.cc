@@ -17,15 +17,17 @@ namespace {
 
 std::string first_damage(const Inspection &found) {
     for (const Finding &finding : found.findings) {
-        if (finding.severity == "damage") {
+        if (finding.severity == "damage" && finding.kind != "state" &&
+            finding.kind != "duplicate") {
             return finding.text;
         }
     }
     return "";
 }
 
+// Rows that are wrong are no reason: what has them is still the best that there is.
 void refuse_damaged(const Inspection &found, const std::string &next) {
-    if (found.is_damaged()) {
+    if (!found.is_usable()) {
         throw Failure(ExitCode::damaged,
                       found.file.path + " is damaged, and not copied: " + first_damage(found),
                       next);
@@ -90,6 +92,14 @@ std::string question(const DatabaseFile &main, const DatabaseFile &backup) {
            " (" + age_and_size(backup) + ")?\nWhat main has beyond the backup is lost.";
 }
 
+constexpr char damaged_backup_next[] = "Main is as it was. See: cmpntctl db check";
+
+// Nobody is asked about what cannot be done; the lock is not held while a person thinks.
+void inspect_backup(const Session &session, const DatabaseFile &backup) {
+    const DatabaseLock lock(session);
+    refuse_damaged(inspect(backup, Depth::quick), damaged_backup_next);
+}
+
 // The journal goes first, for a power cut between the two: the new file must not meet the old one's
 // journal, while main without its journal can still be restored once more.
 bool replace_main(const DatabaseFile &main, const DatabaseFile &backup) {
@@ -133,12 +143,13 @@ Report back_up_database(const Session &session) {
 Report restore_database(const Session &session) {
     const DatabaseFile main = main_file(), backup = backup_file();
     refuse_absent(backup, "There is nothing to restore from.");
+    inspect_backup(session, backup);
     confirm(session, question(main, backup));
     const DatabaseLock lock(session);
     refuse_while_in_use(main);
     refuse_while_in_use(backup);
     const Inspection found = inspect(backup, Depth::deep);
-    refuse_damaged(found, "Main is as it was. See: cmpntctl db check");
+    refuse_damaged(found, damaged_backup_next);
     if (!has_stale_journal(main) && files_are_equal(main.path, backup.path)) {
         throw Failure(ExitCode::nothing, "main and backup are the same already", "");
     }

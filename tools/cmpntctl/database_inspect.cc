@@ -234,6 +234,13 @@ bool Inspection::is_damaged() const {
                        [](const Finding &finding) { return finding.severity == "damage"; });
 }
 
+bool Inspection::is_usable() const {
+    return std::all_of(findings.begin(), findings.end(), [](const Finding &finding) {
+        return finding.severity != "damage" || finding.kind == "state" ||
+               finding.kind == "duplicate";
+    });
+}
+
 void Inspection::add(const char *kind, const char *severity, const std::string &text) {
     findings.push_back({file.name, kind, severity, text});
 }

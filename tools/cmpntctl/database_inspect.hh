@@ -34,6 +34,8 @@ struct Inspection {
     std::vector<std::string> package_paths;  // that the file names, each once
 
     bool is_damaged() const;
+    // Rows alone are wrong: the file can be worked with, and they can be put right.
+    bool is_usable() const;
     void add(const char *kind, const char *severity, const std::string &text);
 };
 
