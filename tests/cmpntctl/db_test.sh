@@ -2,6 +2,8 @@
 #
 # The groups "db" and "lock": what a check finds and leaves alone, and that neither copy spoils a
 # good file.
+#
+# shellcheck disable=SC2012 # the names are our own
 
 . "${BASH_SOURCE[0]%/*}/lib.sh" "$@"
 

@@ -1,6 +1,8 @@
 #!/bin/bash
 #
 # The groups "log" and "history".
+#
+# shellcheck disable=SC2012 # the names are our own
 
 . "${BASH_SOURCE[0]%/*}/lib.sh" "$@"
 
