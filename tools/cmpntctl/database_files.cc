@@ -54,15 +54,13 @@ std::string server_path() {
 
 }  // namespace
 
-DatabaseFile main_file() {
-    return {"main", "/var/lib/opkg/cmpnt_upgrade.db3", package_tables(), true};
-}
+DatabaseFile main_file() { return {"main", main_database, package_tables(), true}; }
 
 // Its package files are those of the main file: not looked for twice.
 DatabaseFile backup_file() {
     std::vector<TableLayout> tables = package_tables();
     tables[1].path.clear();
-    return {"backup", "/data/cmpnt/opkg/cmpnt_upgrade_backup.db3", tables, true};
+    return {"backup", backup_database, tables, true};
 }
 
 std::vector<DatabaseFile> database_files() {
@@ -74,7 +72,7 @@ std::vector<DatabaseFile> database_files() {
     return {main_file(),
             backup_file(),
             {"server", server_path(), {server}, false},
-            {"auto-sync", "/var/lib/opkg/cmpnt_auto_sync.db3", {auto_sync}, false}};
+            {"auto-sync", auto_sync_database, {auto_sync}, false}};
 }
 
 }  // namespace cmpntctl

@@ -7,6 +7,10 @@
 
 namespace cmpntctl {
 
+constexpr char main_database[] = "/var/lib/opkg/cmpnt_upgrade.db3";
+constexpr char backup_database[] = "/data/cmpnt/opkg/cmpnt_upgrade_backup.db3";
+constexpr char auto_sync_database[] = "/var/lib/opkg/cmpnt_auto_sync.db3";
+
 struct TableLayout {
     std::string name;
     std::vector<std::string> columns;  // "pkg_state integer", in their order

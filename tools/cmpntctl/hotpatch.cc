@@ -3,6 +3,7 @@
 #include <optional>
 
 #include "criteria.hh"
+#include "database_files.hh"
 #include "file_digest.hh"
 #include "libcmpnt_db.h"
 #include "regular_file.hh"
@@ -11,8 +12,6 @@
 
 namespace cmpntctl {
 namespace {
-
-constexpr char main_database[] = "/var/lib/opkg/cmpnt_upgrade.db3";
 
 // No question is worth a new, empty database.
 void look_for_database() {

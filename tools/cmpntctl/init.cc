@@ -12,7 +12,6 @@
 namespace cmpntctl {
 namespace {
 
-constexpr char auto_sync_database[] = "/var/lib/opkg/cmpnt_auto_sync.db3";
 constexpr char server_folder[] = "/opkg/server";
 
 struct Place {

@@ -45,6 +45,21 @@ std::string LockHolder::name() const {
     return "process " + std::to_string(pid) + (program.empty() ? "" : " (" + program + ")");
 }
 
+LockHolder holder_of_lock(int fd, off_t start, off_t length) {
+    struct flock lock = {};
+    lock.l_type = F_WRLCK;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = start;
+    lock.l_len = length;
+    LockHolder holder;
+    holder.held = fcntl(fd, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
+    if (holder.held && lock.l_pid > 0) {
+        holder.pid = lock.l_pid;
+        holder.program = program_of(lock.l_pid);
+    }
+    return holder;
+}
+
 LockHolder lock_holder() {
     const int fd = open(lock_file, O_RDONLY | O_CLOEXEC);
     if (fd == -1) {
@@ -55,17 +70,8 @@ LockHolder lock_holder() {
                       std::string(lock_file) + " cannot be opened: " + strerror(errno),
                       "Start cmpntctl as the user of the upgrade system.");
     }
-    struct flock lock = {};
-    lock.l_type = F_WRLCK;
-    lock.l_whence = SEEK_SET;
-    const int result = fcntl(fd, F_GETLK, &lock);
+    const LockHolder holder = holder_of_lock(fd, 0, 0);
     close(fd);
-    LockHolder holder;
-    holder.held = result == 0 && lock.l_type != F_UNLCK;
-    if (holder.held && lock.l_pid > 0) {
-        holder.pid = lock.l_pid;
-        holder.program = program_of(lock.l_pid);
-    }
     return holder;
 }
 

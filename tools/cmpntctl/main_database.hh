@@ -9,12 +9,10 @@
 #include <vector>
 
 #include "command.hh"
+#include "database_files.hh"
 #include "libcmpnt_db.h"
 
 namespace cmpntctl {
-
-constexpr char main_database[] = "/var/lib/opkg/cmpnt_upgrade.db3";
-constexpr char backup_database[] = "/data/cmpnt/opkg/cmpnt_upgrade_backup.db3";
 
 // Throws a Failure (nothing) when there is no main database.
 void require_main_database();
